@@ -1,0 +1,16 @@
+# Which file belongs to which target. A new file is found by itself; only files that know no Qt in a
+# folder that otherwise does are named here.
+set(_glob CONFIGURE_DEPENDS RELATIVE ${CMAKE_SOURCE_DIR})
+
+file(GLOB TAV_CORE_SOURCES ${_glob}
+    model/*.cpp
+    app/config.cpp app/cl.cpp app/init_boxes.cpp
+    fileops/fop*.cpp fileops/alloc.cpp
+    commands/as.cpp commands/as_*.cpp commands/misc*.cpp commands/pipe*.cpp commands/quote*.cpp
+    commands/transf*.cpp commands/uri*.cpp
+    platform/replace_file.cpp platform/child.cpp platform/stop_watch.cpp)
+
+file(GLOB TAV_UI_SOURCES ${_glob} platform/*.cpp views/*.cpp fileops/*.cpp commands/*.cpp app/*.cpp)
+list(REMOVE_ITEM TAV_UI_SOURCES ${TAV_CORE_SOURCES} app/main.cpp)
+file(GLOB TAV_UI_HEADERS ${_glob} platform/*.h views/*.h fileops/*.h commands/*.h app/*.h)
+file(GLOB TAV_FORMS ${_glob} resources/*.ui)
