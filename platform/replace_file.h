@@ -1,0 +1,17 @@
+// Replacing a file so that, whatever happens, either the old or the new content is there, whole.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tav {
+
+// Writes a new file beside path (through a link: beside what it points to), syncs it and renames it over.
+// An existing file keeps its mode, a new one gets 0666 less the mask. A file that could not have been
+// opened for writing is left alone. 0, or -1 with errno; no temporary file stays behind.
+int replace_file_write(const char *path, std::string_view content);
+
+// Reads a whole file of at most limit bytes. 0, or -1 with errno.
+int replace_file_read(const char *path, std::string &content, size_t limit);
+
+} // namespace tav
