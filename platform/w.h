@@ -7,6 +7,15 @@
 
 namespace tav {
 
+// The main window; null before it is made and after it is gone. Set by app/base.cpp.
+extern QWidget *gBase;
+
+// The widget (or action) of that name in the main window, null when there is none of the type.
+template <typename T = QWidget> T *w_find(const char *name)
+{
+    return gBase ? gBase->findChild<T *>(QString::fromLatin1(name)) : nullptr;
+}
+
 constexpr int W_CONTINUE = 0; // what callbacks return
 constexpr int W_END = 1;
 
