@@ -14,3 +14,12 @@ file(GLOB TAV_UI_SOURCES ${_glob} platform/*.cpp views/*.cpp fileops/*.cpp comma
 list(REMOVE_ITEM TAV_UI_SOURCES ${TAV_CORE_SOURCES} app/main.cpp)
 file(GLOB TAV_UI_HEADERS ${_glob} platform/*.h views/*.h fileops/*.h commands/*.h app/*.h)
 file(GLOB TAV_FORMS ${_glob} resources/*.ui)
+file(GLOB TAV_RESOURCES ${_glob} resources/*.qrc)
+
+# A target needs a source even before its first one is written.
+foreach(list TAV_CORE_SOURCES TAV_UI_SOURCES)
+    if(NOT ${list})
+        file(WRITE ${CMAKE_BINARY_DIR}/${list}.cpp "namespace tav {}\n")
+        set(${list} ${CMAKE_BINARY_DIR}/${list}.cpp)
+    endif()
+endforeach()
