@@ -8,6 +8,7 @@ file(GLOB TAV_CORE_SOURCES ${_glob}
     fileops/fop*.cpp fileops/alloc.cpp
     commands/as.cpp commands/as_*.cpp commands/misc*.cpp commands/pipe*.cpp commands/quote*.cpp
     commands/transf*.cpp commands/uri*.cpp
+    views/history.cpp views/tree_hotlist.cpp app/ac.cpp app/kb.cpp platform/ini.cpp
     platform/replace_file.cpp platform/child.cpp platform/stop_watch.cpp)
 
 file(GLOB TAV_UI_SOURCES ${_glob} platform/*.cpp views/*.cpp fileops/*.cpp commands/*.cpp app/*.cpp)
