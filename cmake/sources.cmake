@@ -4,7 +4,7 @@ set(_glob CONFIGURE_DEPENDS RELATIVE ${CMAKE_SOURCE_DIR})
 
 file(GLOB TAV_CORE_SOURCES ${_glob}
     model/*.cpp
-    app/config.cpp app/cl.cpp app/init_boxes.cpp
+    app/config.cpp app/cl.cpp app/init_boxes.cpp app/options.cpp app/start.cpp
     fileops/fop*.cpp fileops/alloc.cpp
     commands/as.cpp commands/as_*.cpp commands/misc*.cpp commands/pipe*.cpp commands/quote*.cpp
     commands/transf*.cpp commands/uri*.cpp
