@@ -5,7 +5,8 @@
 
 namespace tav {
 
-// The font of a kept text; the desktop's own when the text says nothing usable. size bytes at most are read.
+// The font of a kept text; the desktop's own when the text says nothing usable. size bytes at most
+// are read.
 QFont fonts_from_name(const char *name, size_t size);
 
 // The text to keep for a font: terminated and padded with NUL, at most size - 1 bytes.

@@ -6,9 +6,9 @@
 
 namespace tav {
 
-// Writes a new file beside path (through a link: beside what it points to), syncs it and renames it over.
-// An existing file keeps its mode, a new one gets 0666 less the mask. A file that could not have been
-// opened for writing is left alone. 0, or -1 with errno; no temporary file stays behind.
+// Writes a new file beside path (through a link: beside what it points to), syncs it and renames it
+// over. An existing file keeps its mode, a new one gets 0666 less the mask. A file that could not
+// have been opened for writing is left alone. 0, or -1 with errno; no temporary file stays behind.
 int replace_file_write(const char *path, std::string_view content);
 
 // Reads a whole file of at most limit bytes. 0, or -1 with errno.

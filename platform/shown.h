@@ -1,5 +1,6 @@
-// File names are bytes; this makes text of them that can be shown. Invalid UTF-8, control characters and
-// direction marks become visible; nothing in a name is ever obeyed as markup or mnemonic.
+// File names are bytes; this makes text of them that can be shown. Invalid UTF-8, control
+// characters and direction marks become visible; nothing in a name is ever obeyed as markup or
+// mnemonic.
 #pragma once
 
 #include <QString>

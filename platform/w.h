@@ -11,7 +11,8 @@ namespace tav {
 extern QWidget *gBase;
 
 // The widget (or action) of that name in the main window, null when there is none of the type.
-template <typename T = QWidget> T *w_find(const char *name)
+template <typename T = QWidget>
+T *w_find(const char *name)
 {
     return gBase ? gBase->findChild<T *>(QString::fromLatin1(name)) : nullptr;
 }
@@ -21,7 +22,8 @@ constexpr int W_END = 1;
 
 using WTimerFunc = std::function<void(QObject *widget)>;
 
-// Gives the widget a repeating timer, or its timer another function and period. Period in ms, 0 stops it.
+// Gives the widget a repeating timer, or its timer another function and period. Period in ms, 0
+// stops it.
 void wtimer_attach(QObject *widget, unsigned period, WTimerFunc callback);
 void wtimer_trigger(QObject *widget); // calls the callback at once, the timer goes on as it is
 void wtimer_detach(QObject *widget);  // no further call
@@ -34,23 +36,27 @@ void wproc_detach(QObject *widget);
 // Brings the widget's window to the front and the keyboard to the widget.
 void wfocus(QWidget *widget);
 
-// Formats at most 255 bytes (cut at a character's boundary) into the title of a window or of a group,
-// else into the widget's text. The formatted length, or -1 for a null widget.
+// Formats at most 255 bytes (cut at a character's boundary) into the title of a window or of a
+// group, else into the widget's text. The formatted length, or -1 for a null widget.
 [[gnu::format(printf, 2, 3)]] int wprintf(QWidget *widget, const char *format, ...);
 
-// Blocks (1) or unblocks (anything else) a widget's mouse and keys, with a busy pointer meanwhile. Counted:
-// who blocks twice unblocks twice. Nothing is disabled, so the focus stays. Null is ignored.
+// Blocks (1) or unblocks (anything else) a widget's mouse and keys, with a busy pointer meanwhile.
+// Counted: who blocks twice unblocks twice. Nothing is disabled, so the focus stays. Null is
+// ignored.
 void wblock(QWidget *widget, int block);
 bool wblock_is_blocked(const QWidget *widget);
 
-// A modal question with "&Yes" (default) and "&No": 1 or 2; closing it answers 2. Plain text, cut as above.
+// A modal question with "&Yes" (default) and "&No": 1 or 2; closing it answers 2. Plain text, cut
+// as above.
 [[gnu::format(printf, 3, 4)]] int wask(QWidget *parent, const char *title, const char *format, ...);
 
 // A modal report with "&Continue".
-[[gnu::format(printf, 3, 4)]] void wreport(QWidget *parent, const char *title, const char *format, ...);
+[[gnu::format(printf, 3, 4)]] void wreport(QWidget *parent, const char *title, const char *format,
+                                           ...);
 
-// A question with any buttons ("&" before the shortcut letter), defaults counting from 1. Does not block:
-// answered runs once with the chosen button, or with on_close when the box is closed; several may stand.
+// A question with any buttons ("&" before the shortcut letter), defaults counting from 1. Does not
+// block: answered runs once with the chosen button, or with on_close when the box is closed;
+// several may stand.
 struct WQuestion {
     QString title;
     QString text;
@@ -67,7 +73,8 @@ int wquestion_wait(QWidget *parent, const WQuestion &question);
 QPoint wcenter_place(const QRect &ref, const QSize &size, const QRect &screen);
 void wcenter(const QWidget *ref, QWidget *widget);
 
-// The first widget of the class (a Qt class name), depth first from the widget itself; null when none.
+// The first widget of the class (a Qt class name), depth first from the widget itself; null when
+// none.
 QWidget *wrecursive_find_child_class(QWidget *widget, const char *class_name);
 
 } // namespace tav
