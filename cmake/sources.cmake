@@ -6,10 +6,11 @@ file(GLOB TAV_CORE_SOURCES ${_glob}
     model/*.cpp
     app/config.cpp app/cl.cpp app/init_boxes.cpp app/options.cpp app/start.cpp
     fileops/fop*.cpp fileops/alloc.cpp
-    commands/as.cpp commands/as_*.cpp commands/misc*.cpp commands/pipe*.cpp commands/quote*.cpp
+    commands/as*.cpp commands/misc*.cpp commands/pipe.cpp commands/quote*.cpp
     commands/transf*.cpp commands/uri*.cpp
     views/history.cpp views/tree_hotlist.cpp app/ac.cpp app/kb.cpp platform/ini.cpp
     platform/replace_file.cpp platform/child.cpp platform/stop_watch.cpp)
+list(FILTER TAV_CORE_SOURCES EXCLUDE REGEX "_(dlg|ui)[.]cpp$")
 
 file(GLOB TAV_UI_SOURCES ${_glob} platform/*.cpp views/*.cpp fileops/*.cpp commands/*.cpp app/*.cpp)
 list(REMOVE_ITEM TAV_UI_SOURCES ${TAV_CORE_SOURCES} app/main.cpp)
