@@ -7,7 +7,8 @@ file(GLOB TAV_CORE_SOURCES ${_glob}
     app/config.cpp app/cl.cpp app/init_boxes.cpp app/options.cpp app/start.cpp
     fileops/fop*.cpp fileops/alloc.cpp
     commands/as*.cpp commands/misc*.cpp commands/pipe.cpp commands/quote*.cpp
-    commands/transf*.cpp commands/uri*.cpp
+    commands/transf*.cpp commands/uri*.cpp commands/worker.cpp commands/clip_x11.cpp
+    commands/dtm_scan.cpp
     views/history.cpp views/tree_hotlist.cpp app/ac.cpp app/kb.cpp platform/ini.cpp
     platform/replace_file.cpp platform/child.cpp platform/stop_watch.cpp)
 list(FILTER TAV_CORE_SOURCES EXCLUDE REGEX "_(dlg|ui)[.]cpp$")

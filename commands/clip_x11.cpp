@@ -1,0 +1,190 @@
+// Fetching the clipboard's forms from an X server. One fetch is one connection, one window and one
+// property; every wait has an end and looks at cancel several times a second.
+#include "commands/clip_x11.h"
+#include "commands/uri.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <poll.h>
+#include <vector>
+#include <xcb/xcb.h>
+
+namespace tav {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int LOOK_MS = 50;                // how often a wait looks at cancel
+constexpr uint32_t PIECE = 256 * 1024 / 4; // 4-byte units fetched from the server at once
+constexpr size_t MAX_BYTES = std::max(TRANSF_MAX_BYTES, URI_MAX_BYTES) + 1;
+
+struct Free {
+    void operator()(void *p) const { free(p); }
+};
+template <typename T>
+using Reply = std::unique_ptr<T, Free>;
+
+// One fetch.
+struct Fetch {
+    xcb_connection_t *server;
+    const std::atomic<bool> *cancel;
+    xcb_window_t window;
+    xcb_atom_t clipboard, targets, incr, property;
+};
+
+xcb_atom_t x_atom(xcb_connection_t *server, const char *name)
+{
+    auto cookie = xcb_intern_atom(server, 0, static_cast<uint16_t>(strlen(name)), name);
+    Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(server, cookie, nullptr));
+    return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
+}
+
+// The next event, null when the time is over, the server is gone or the fetch was cancelled.
+Reply<xcb_generic_event_t> x_next_event(const Fetch &fetch, Clock::time_point end)
+{
+    for (;;) {
+        Reply<xcb_generic_event_t> event(xcb_poll_for_event(fetch.server));
+        if (event)
+            return event;
+        if (*fetch.cancel || Clock::now() >= end || xcb_connection_has_error(fetch.server))
+            return nullptr;
+        pollfd ready = {xcb_get_file_descriptor(fetch.server), POLLIN, 0};
+        poll(&ready, 1, LOOK_MS);
+    }
+}
+
+// Waits for an event of the type that check accepts.
+template <typename Event, typename Check>
+bool x_wait(const Fetch &fetch, uint8_t type, Check check)
+{
+    const auto end = Clock::now() + std::chrono::milliseconds(CLIP_X11_WAIT_MS);
+    while (Reply<xcb_generic_event_t> event = x_next_event(fetch, end))
+        if ((event->response_type & 0x7F) == type && check(*reinterpret_cast<Event *>(event.get())))
+            return true;
+    return false;
+}
+
+// Appends what the property holds and deletes it. type gets the property's type.
+bool x_take_property(const Fetch &fetch, std::string &out, xcb_atom_t &type)
+{
+    uint32_t offset = 0;
+    for (;;) {
+        auto cookie = xcb_get_property(fetch.server, 0, fetch.window, fetch.property,
+                                       XCB_GET_PROPERTY_TYPE_ANY, offset, PIECE);
+        Reply<xcb_get_property_reply_t> reply(
+            xcb_get_property_reply(fetch.server, cookie, nullptr));
+        if (!reply)
+            return false;
+        type = reply->type;
+        const int size = xcb_get_property_value_length(reply.get());
+        out.append(static_cast<const char *>(xcb_get_property_value(reply.get())),
+                   static_cast<size_t>(size));
+        if (out.size() > MAX_BYTES || *fetch.cancel)
+            return false;
+        if (reply->bytes_after == 0)
+            break;
+        offset += static_cast<uint32_t>(size) / 4;
+    }
+    xcb_delete_property(fetch.server, fetch.window, fetch.property);
+    xcb_flush(fetch.server);
+    return true;
+}
+
+// Pieces follow each other, each announced by a change of the property, the last one empty.
+bool x_take_pieces(const Fetch &fetch, std::string &out)
+{
+    out.clear();
+    for (;;) {
+        const bool came = x_wait<xcb_property_notify_event_t>(
+            fetch, XCB_PROPERTY_NOTIFY, [&fetch](const xcb_property_notify_event_t &event) {
+                return event.atom == fetch.property && event.state == XCB_PROPERTY_NEW_VALUE;
+            });
+        const size_t before = out.size();
+        xcb_atom_t type = XCB_ATOM_NONE;
+        if (!came || !x_take_property(fetch, out, type))
+            return false;
+        if (out.size() == before)
+            return true;
+    }
+}
+
+// Asks the owner for one form.
+bool x_convert(const Fetch &fetch, xcb_atom_t target, std::string &out)
+{
+    out.clear();
+    if (target == XCB_ATOM_NONE)
+        return false;
+    xcb_convert_selection(fetch.server, fetch.window, fetch.clipboard, target, fetch.property,
+                          XCB_CURRENT_TIME);
+    xcb_flush(fetch.server);
+    bool given = false;
+    const bool answered = x_wait<xcb_selection_notify_event_t>(
+        fetch, XCB_SELECTION_NOTIFY, [&](const xcb_selection_notify_event_t &event) {
+            given = event.property != XCB_ATOM_NONE;
+            return event.target == target;
+        });
+    xcb_atom_t type = XCB_ATOM_NONE;
+    if (!answered || !given || !x_take_property(fetch, out, type))
+        return false;
+    return type != fetch.incr || x_take_pieces(fetch, out);
+}
+
+std::vector<xcb_atom_t> x_targets(const Fetch &fetch)
+{
+    std::string bytes;
+    if (!x_convert(fetch, fetch.targets, bytes))
+        return {};
+    std::vector<xcb_atom_t> atoms(bytes.size() / sizeof(xcb_atom_t));
+    if (!atoms.empty())
+        memcpy(atoms.data(), bytes.data(), atoms.size() * sizeof(xcb_atom_t));
+    return atoms;
+}
+
+int x_fetch_forms(const Fetch &fetch, TransfForms &forms)
+{
+    const std::vector<xcb_atom_t> offered = x_targets(fetch);
+    auto fetch_form = [&](const char *mime, std::string &out) {
+        const xcb_atom_t atom = x_atom(fetch.server, mime);
+        return std::find(offered.begin(), offered.end(), atom) != offered.end() &&
+               x_convert(fetch, atom, out);
+    };
+    if (fetch_form(TRANSF_MIME, forms.own) || fetch_form(TRANSF_MIME_GNOME, forms.gnome))
+        return 0;
+    if (!fetch_form(TRANSF_MIME_URIS, forms.uris))
+        return -1;
+    fetch_form(TRANSF_MIME_KDE, forms.kde);
+    return 0;
+}
+
+int x_fetch_on(xcb_connection_t *server, const std::atomic<bool> &cancel, TransfForms &forms)
+{
+    if (xcb_connection_has_error(server))
+        return -1;
+    const xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(server)).data;
+    Fetch fetch = {server, &cancel, xcb_generate_id(server), 0, 0, 0, 0};
+    fetch.clipboard = x_atom(server, "CLIPBOARD");
+    fetch.targets = x_atom(server, "TARGETS");
+    fetch.incr = x_atom(server, "INCR");
+    fetch.property = x_atom(server, "TAV_CLIPBOARD");
+    const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_create_window(server, 0, fetch.window, screen->root, 0, 0, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK,
+                      &events);
+    return x_fetch_forms(fetch, forms);
+}
+
+} // namespace
+
+int clip_x11_fetch(const char *display, const std::atomic<bool> &cancel, TransfForms &forms)
+{
+    xcb_connection_t *server = xcb_connect(display, nullptr);
+    const int result = x_fetch_on(server, cancel, forms);
+    xcb_disconnect(server);
+    return result;
+}
+
+} // namespace tav

@@ -1,0 +1,37 @@
+// What arrives from a clipboard or a drag, in whatever form it was offered. Knows no Qt.
+#pragma once
+
+#include "commands/transf.h"
+
+#include <string>
+#include <vector>
+
+namespace tav {
+
+constexpr const char *TRANSF_MIME = "application/x-tav-files"; // the packed form
+constexpr const char *TRANSF_MIME_GNOME = "x-special/gnome-copied-files";
+constexpr const char *TRANSF_MIME_URIS = "text/uri-list";
+constexpr const char *TRANSF_MIME_KDE = "application/x-kde-cutselection";
+constexpr const char *TRANSF_MIME_TEXT = "text/plain";
+
+// The bytes of the forms that were there; empty when a form was not.
+struct TransfForms {
+    std::string own;   // TRANSF_MIME
+    std::string gnome; // TRANSF_MIME_GNOME
+    std::string uris;  // TRANSF_MIME_URIS
+    std::string kde;   // TRANSF_MIME_KDE
+};
+
+// Files out of the best form.
+struct TransfFiles {
+    bool cut = false;  // they are to be moved
+    bool ours = false; // out of the packed form: id says which offer
+    TransfId id{};
+    std::vector<FileListRecord> lists; // one per directory, owned; never empty after success
+};
+
+// Takes the packed form, else the GNOME form, else the URI list with the KDE mark; a form that is
+// malformed counts as missing. 0, or -1 (files untouched) when there is no file.
+int transf_take(const TransfForms &forms, TransfFiles &files);
+
+} // namespace tav

@@ -1,0 +1,62 @@
+// A short-lived detached thread: it owns its function and frees it at its end.
+#include "commands/worker.h"
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <memory>
+#include <pthread.h>
+
+namespace tav {
+
+namespace {
+
+std::atomic<int> sCount{0};
+
+void *x_run(void *argument)
+{
+    {
+        std::unique_ptr<std::function<void()>> work(static_cast<std::function<void()> *>(argument));
+        (*work)();
+    }
+    sCount--;
+    return nullptr;
+}
+
+int x_create(std::function<void()> *work)
+{
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+#ifndef TAV_SANITIZED // a sanitizer's frames are larger
+    pthread_attr_setstacksize(&attributes, WORKER_STACK_SIZE);
+#endif
+    sigset_t all, before; // the thread inherits the mask: signals are the main thread's
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    pthread_t thread;
+    const int error = pthread_create(&thread, &attributes, x_run, work);
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    pthread_attr_destroy(&attributes);
+    return error;
+}
+
+} // namespace
+
+int worker_start(std::function<void()> work)
+{
+    auto owned = std::make_unique<std::function<void()>>(std::move(work));
+    sCount++;
+    const int error = x_create(owned.get());
+    if (error == 0) {
+        owned.release(); // the thread's now
+        return 0;
+    }
+    sCount--;
+    errno = error;
+    return -1;
+}
+
+int worker_count() { return sCount; }
+
+} // namespace tav

@@ -1,0 +1,16 @@
+// A short-lived detached thread. Knows no Qt.
+#pragma once
+
+#include <functional>
+
+namespace tav {
+
+constexpr size_t WORKER_STACK_SIZE = 65536; // bytes, in ordinary builds
+
+// Runs work on a detached thread that sees no signal. 0, or -1 with errno when it cannot start.
+int worker_start(std::function<void()> work);
+
+// How many of them have not ended yet; for tests.
+int worker_count();
+
+} // namespace tav
