@@ -18,8 +18,6 @@ extern char **environ;
 
 namespace tav {
 
-void (*gChildKept)(pid_t pid);
-
 namespace {
 
 struct Kept {
@@ -138,12 +136,8 @@ pid_t child_start(const ChildStart &start)
 
 void child_keep(pid_t pid, ChildEnded ended)
 {
-    {
-        std::lock_guard lock(sMutex);
-        sKept.push_back({pid, std::move(ended)});
-    }
-    if (gChildKept != nullptr)
-        gChildKept(pid);
+    std::lock_guard lock(sMutex);
+    sKept.push_back({pid, std::move(ended)});
 }
 
 int child_reap()

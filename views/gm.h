@@ -1,0 +1,16 @@
+// The Go menu: Back, Forward, Up, Home. Handlers guard themselves: their keys work whatever is
+// dimmed.
+#pragma once
+
+class QMenu;
+class QWidget;
+
+namespace tav {
+
+int gm_setup(QMenu *menu); // dims what leads nowhere; whenever the menu opens
+int gm_back(QWidget *widget);
+int gm_forward(QWidget *widget);
+int gm_up(QWidget *widget);
+int gm_home(QWidget *widget); // nothing without "HOME"
+
+} // namespace tav

@@ -1,0 +1,230 @@
+// The tree's workers.
+#include "views/tree_jobs.h"
+
+#include "model/fs.h"
+
+#include <chrono>
+#include <csignal>
+#include <cstring>
+#include <deque>
+#include <dirent.h>
+#include <fcntl.h>
+#include <functional>
+#include <pthread.h>
+#include <sys/stat.h>
+
+namespace tav {
+
+void (*gTreeProbeNotify)();
+
+namespace {
+
+#ifdef TAV_SANITIZED
+constexpr size_t STACK_SIZE = 1024 * 1024;
+#else
+constexpr size_t STACK_SIZE = 64 * 1024;
+#endif
+constexpr size_t LEVEL_BATCH = 256; // rows that are handed over at once
+constexpr auto HUNG_AFTER =
+    std::chrono::milliseconds(200); // no question begun meanwhile: one more worker
+
+// All of it under the mutex. Never freed: a worker that hangs may come back when the program ends.
+struct ProbePool {
+    std::mutex mutex;
+    std::condition_variable begun; // a question was taken off the queue
+    std::deque<TreeProbe> questions;
+    std::vector<TreeProbe> answers;
+    int workers = 0;      // threads that run
+    uint64_t taken = 0;   // questions taken off so far
+    bool watched = false; // the watching thread runs
+};
+
+ProbePool &pool()
+{
+    static auto *only = new ProbePool;
+    return *only;
+}
+
+void *run_thread(void *data)
+{
+    const std::unique_ptr<std::function<void()>> work(static_cast<std::function<void()> *>(data));
+    (*work)();
+    return nullptr;
+}
+
+// Runs work on a detached thread that no signal reaches. False when there is none to be had.
+bool start_thread(std::function<void()> work)
+{
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, STACK_SIZE);
+    pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+    auto data = std::make_unique<std::function<void()>>(std::move(work));
+    sigset_t all, before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    pthread_t thread;
+    const bool started = pthread_create(&thread, &attributes, run_thread, data.get()) == 0;
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    pthread_attr_destroy(&attributes);
+    if (started)
+        data.release(); // the thread's now
+    return started;
+}
+
+unsigned fs_flags(bool dot_names) { return dot_names ? FS_DOT_NAMES : 0; }
+
+// Answers questions until there are none.
+void probe_work()
+{
+    ProbePool &p = pool();
+    std::unique_lock lock(p.mutex);
+    while (!p.questions.empty()) {
+        TreeProbe probe = std::move(p.questions.front());
+        p.questions.pop_front();
+        ++p.taken;
+        p.begun.notify_all();
+        lock.unlock();
+        probe.subdirectories =
+            fs_path_has_subdirectories(nullptr, probe.path.c_str(), fs_flags(probe.dot_names));
+        lock.lock();
+        p.answers.push_back(std::move(probe));
+        if (p.answers.size() == 1 && gTreeProbeNotify) {
+            lock.unlock();
+            gTreeProbeNotify();
+            lock.lock();
+        }
+    }
+    --p.workers;
+    p.begun.notify_all();
+}
+
+// Under the mutex.
+bool start_worker(ProbePool &p)
+{
+    ++p.workers;
+    if (start_thread(probe_work))
+        return true;
+    --p.workers;
+    return false;
+}
+
+// While questions wait: one more worker whenever the others seem to hang.
+void probe_watch()
+{
+    ProbePool &p = pool();
+    std::unique_lock lock(p.mutex);
+    while (!p.questions.empty()) {
+        const uint64_t taken = p.taken;
+        const bool moved = p.begun.wait_for(
+            lock, HUNG_AFTER, [&p, taken] { return p.taken != taken || p.questions.empty(); });
+        if (!moved && p.workers < TREE_WORKERS_MAX)
+            start_worker(p);
+    }
+    p.watched = false;
+}
+
+bool is_wanted(const TreeLevelRequest &request, const char *name)
+{
+    if (name[0] != '.')
+        return true;
+    if (strcmp(name, ".") == 0 || !request.dot_names)
+        return false;
+    return strcmp(name, "..") != 0 || request.parent_entry;
+}
+
+// Links are followed: a link to a directory is one.
+bool is_directory(int fd, const struct dirent *entry)
+{
+    if (entry->d_type != DT_DIR && entry->d_type != DT_LNK && entry->d_type != DT_UNKNOWN)
+        return false;
+    struct stat status;
+    return fstatat(fd, entry->d_name, &status, 0) == 0 && S_ISDIR(status.st_mode);
+}
+
+void hand_over(TreeLevel &level, std::vector<TreeRow> &rows, bool done)
+{
+    const std::lock_guard lock(level.mutex);
+    if (level.rows.empty())
+        level.rows.swap(rows);
+    else
+        level.rows.insert(level.rows.end(), std::make_move_iterator(rows.begin()),
+                          std::make_move_iterator(rows.end()));
+    rows.clear();
+    level.done = done;
+    level.changed.notify_all();
+}
+
+void read_level(TreeLevel &level, const TreeLevelRequest &request)
+{
+    std::vector<TreeRow> rows;
+    DIR *dir = opendir(request.path.c_str());
+    while (dir && !level.cancel) {
+        const struct dirent *entry = readdir(dir);
+        if (!entry)
+            break;
+        if (!is_wanted(request, entry->d_name) || !is_directory(dirfd(dir), entry))
+            continue;
+        const int subdirectories = fs_path_has_subdirectories(request.path.c_str(), entry->d_name,
+                                                              fs_flags(request.dot_names));
+        rows.push_back({entry->d_name, subdirectories});
+        if (rows.size() == LEVEL_BATCH)
+            hand_over(level, rows, false);
+    }
+    if (dir)
+        closedir(dir);
+    hand_over(level, rows, true);
+}
+
+} // namespace
+
+std::shared_ptr<TreeLevel> tree_level_start(const TreeLevelRequest &request)
+{
+    auto level = std::make_shared<TreeLevel>();
+    if (!start_thread([level, request] { read_level(*level, request); }))
+        level->done = true;
+    return level;
+}
+
+std::vector<TreeRow> tree_level_take(TreeLevel &level, int milliseconds, bool &done)
+{
+    std::unique_lock lock(level.mutex);
+    level.changed.wait_for(lock, std::chrono::milliseconds(milliseconds),
+                           [&level] { return level.done || !level.rows.empty(); });
+    done = level.done;
+    std::vector<TreeRow> rows;
+    rows.swap(level.rows);
+    return rows;
+}
+
+void tree_probe_ask(std::vector<TreeProbe> questions)
+{
+    ProbePool &p = pool();
+    const std::lock_guard lock(p.mutex);
+    for (TreeProbe &question : questions)
+        p.questions.push_back(std::move(question));
+    while (p.workers < TREE_WORKERS && p.workers < static_cast<int>(p.questions.size()))
+        if (!start_worker(p))
+            break;
+    if (!p.watched && !p.questions.empty())
+        p.watched = start_thread(probe_watch);
+}
+
+void tree_probe_forget()
+{
+    ProbePool &p = pool();
+    const std::lock_guard lock(p.mutex);
+    p.questions.clear();
+    p.begun.notify_all();
+}
+
+std::vector<TreeProbe> tree_probe_answers()
+{
+    ProbePool &p = pool();
+    const std::lock_guard lock(p.mutex);
+    std::vector<TreeProbe> answers;
+    answers.swap(p.answers);
+    return answers;
+}
+
+} // namespace tav
