@@ -101,6 +101,7 @@ private:
         QPushButton *button = addButton(label, QMessageBox::ActionRole);
         buttons_.push_back(button);
         const auto choice = static_cast<int>(buttons_.size());
+        disconnect(button, nullptr, this, nullptr);
         connect(button, &QAbstractButton::clicked, this, [this, choice] { end(choice); });
     }
 
@@ -108,8 +109,7 @@ private:
     {
         hide();
         deleteLater();
-        const QWidget *active = QApplication::activeWindow();
-        if (blocked_ && (!active || active == this))
+        if (blocked_ && isActiveWindow())
             blocked_->activateWindow();
         answer(choice);
     }
