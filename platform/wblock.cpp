@@ -142,6 +142,11 @@ bool x_is_message_box(const QWidget *widget)
     return widget && widget->window()->property(WBLOCK_MESSAGE_BOX).toBool();
 }
 
+bool x_is_refused(const QWidget *widget)
+{
+    return x_is_inside_blocked(widget) || (sExclusiveDepth > 0 && !x_is_message_box(widget));
+}
+
 class BlockFilter : public QObject {
 public:
     using QObject::QObject;
@@ -159,8 +164,7 @@ protected:
             widget = x_shortcut_owner(object);
         if (!widget)
             return false;
-        const bool refused = sExclusiveDepth > 0 ? !x_is_message_box(widget) : false;
-        if (!refused && !x_is_inside_blocked(widget))
+        if (!x_is_refused(widget))
             return false;
         swallow(event);
         return true;
@@ -177,6 +181,9 @@ private:
         case QEvent::Drop:
         case QEvent::Close:
             event->ignore();
+            break;
+        case QEvent::ShortcutOverride: // also reaches the windows above the one that has the keys
+            event->setAccepted(x_is_refused(QApplication::focusWidget()));
             break;
         default:
             event->accept();

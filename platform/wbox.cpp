@@ -101,7 +101,6 @@ private:
         QPushButton *button = addButton(label, QMessageBox::ActionRole);
         buttons_.push_back(button);
         const auto choice = static_cast<int>(buttons_.size());
-        disconnect(button, nullptr, this, nullptr);
         connect(button, &QAbstractButton::clicked, this, [this, choice] { end(choice); });
     }
 
@@ -109,7 +108,8 @@ private:
     {
         hide();
         deleteLater();
-        if (blocked_ && isActiveWindow())
+        const QWidget *active = QApplication::activeWindow();
+        if (blocked_ && (!active || active == this))
             blocked_->activateWindow();
         answer(choice);
     }
