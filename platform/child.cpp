@@ -18,6 +18,8 @@ extern char **environ;
 
 namespace tav {
 
+void (*gChildKept)(pid_t pid);
+
 namespace {
 
 struct Kept {
@@ -136,8 +138,12 @@ pid_t child_start(const ChildStart &start)
 
 void child_keep(pid_t pid, ChildEnded ended)
 {
-    std::lock_guard lock(sMutex);
-    sKept.push_back({pid, std::move(ended)});
+    {
+        std::lock_guard lock(sMutex);
+        sKept.push_back({pid, std::move(ended)});
+    }
+    if (gChildKept != nullptr)
+        gChildKept(pid);
 }
 
 int child_reap()

@@ -29,6 +29,10 @@ using ChildEnded = std::function<void(pid_t pid, int status)>;
 // empty) with its wait status.
 void child_keep(pid_t pid, ChildEnded ended);
 
+// Told of each kept child, on the thread that keeps it, so that the main loop can call child_reap
+// in time.
+extern void (*gChildKept)(pid_t pid);
+
 // Collects what has ended of the kept children, without waiting; other children are left to their
 // owners. Returns how many kept ones still run.
 int child_reap();

@@ -1,0 +1,50 @@
+#!/usr/bin/python3
+"""Prints what assistive technology sees of a running program: one line per visible widget, indented by
+depth: ROLE "NAME" ["TEXT"] [STATES]. Usage: look.py PID"""
+
+import sys
+
+import pyatspi
+
+STATES = ((pyatspi.STATE_FOCUSED, "focused"), (pyatspi.STATE_CHECKED, "checked"),
+          (pyatspi.STATE_SELECTED, "selected"))
+ROWS_MOST = 200  # children shown of a table or list
+
+
+def text_of(node):
+    try:
+        return node.queryText().getText(0, -1)
+    except NotImplementedError:
+        return ""
+
+
+def show(node, depth):
+    states = node.getState()
+    if not states.contains(pyatspi.STATE_VISIBLE) and depth > 0:
+        return
+    line = f'{"  " * depth}{node.getRoleName()} "{node.name}"'
+    text = text_of(node)
+    if text and text != node.name:
+        line += f' "{text}"'
+    marks = [name for state, name in STATES if states.contains(state)]
+    if not states.contains(pyatspi.STATE_ENABLED) and not states.contains(pyatspi.STATE_SENSITIVE):
+        marks.append("disabled")
+    print(line + "".join(f" [{mark}]" for mark in marks))
+    for i in range(min(node.childCount, ROWS_MOST)):
+        child = node.getChildAtIndex(i)
+        if child is not None:
+            show(child, depth + 1)
+
+
+def main():
+    pid = int(sys.argv[1])
+    desktop = pyatspi.Registry.getDesktop(0)
+    for application in desktop:
+        if application is not None and application.get_process_id() == pid:
+            show(application, 0)
+            return 0
+    return 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
