@@ -1,10 +1,11 @@
-// The directory that is shown: its entries, reading them, sorting them, and the names and permission
-// texts that go with them. Knows no Qt; the main thread owns all of it.
+// The directory that is shown: its entries, reading them, sorting them, and the names and
+// permission texts that go with them. Knows no Qt; the main thread owns all of it.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <sys/stat.h>
+#include <sys/types.h>
 #include <vector>
 
 namespace tav {
@@ -50,20 +51,31 @@ extern DirListing gDir; // the one listing of the program: all zero, current -1
 
 // What a read tells its surroundings; every member may be null. Set once by the main window.
 struct DirHooks {
-    void (*status)(const char *text);         // a text for the left status pane
-    void (*progress_start)(void (*tick)());   // call tick every 300 ms from now on
-    void (*progress_end)();                   // call tick once more, then no longer
-    void (*progress_show)(const char *text);  // a text for the right status pane
-    bool (*pending)();                        // let waiting events run; false: stop reading here
+    void (*status)(const char *text);        // a text for the left status pane
+    void (*progress_start)(void (*tick)());  // call tick every 300 ms from now on
+    void (*progress_end)();                  // call tick once more, then no longer
+    void (*progress_show)(const char *text); // a text for the right status pane
+    bool (*pending)();                       // let waiting events run; false: stop reading here
 };
 extern DirHooks gDirHooks;
+
+// The system calls of a read; tests put tables of their own here.
+struct DirCalls {
+    ssize_t (*getdents)(int fd, void *buffer, size_t size);                  // as getdents64
+    int (*status)(int fd, const char *name, struct stat *status, int flags); // as fstatat
+    ssize_t (*link)(int fd, const char *name, char *buffer, size_t size);    // as readlinkat
+};
+extern DirCalls gDirCalls;
+
+extern uint64_t
+    gDirAllocated; // entries made anew since the program began; reused ones do not count
 
 // Three-way comparison of two entries: negative, 0, positive.
 using DirCompare = int (*)(const DirEntry &a, const DirEntry &b);
 
-// Reads listing.path into the listing and sorts it. 0, or -1 (with errno) when there is no path, or it
-// cannot be entered or opened; the listing is then empty. Makes the path the working directory. When
-// gDirHooks.pending says stop, what was read so far stays and the answer is 0.
+// Reads listing.path into the listing and sorts it. 0, or -1 (with errno) when there is no path, or
+// it cannot be entered or opened; the listing is then empty. Makes the path the working directory.
+// When gDirHooks.pending says stop, what was read so far stays and the answer is 0.
 int dir_read(DirListing &listing, DirCompare compare, int ascending);
 
 // Frees every entry, listed and spare; path and filter stay.
@@ -73,13 +85,18 @@ void dir_release(DirListing &listing);
 inline bool dir_is_directory(const DirEntry &entry) { return S_ISDIR(entry.stat.st_mode); }
 
 // The size as all sums and sorts take it: the low 32 bits.
-inline uint32_t dir_size32(const DirEntry &entry) { return static_cast<uint32_t>(entry.stat.st_size); }
+inline uint32_t dir_size32(const DirEntry &entry)
+{
+    return static_cast<uint32_t>(entry.stat.st_size);
+}
 
-// Sorts the listed entries in place; a null comparison leaves them alone. Any comparison is safe, the
-// result is repeatable. Directories come first, in both directions, when gConfig says so.
+// Sorts the listed entries in place; a null comparison leaves them alone. Any comparison is safe,
+// the result is repeatable. Directories come first, in both directions, when gConfig says so.
 void dir_sort(DirListing &listing, DirCompare compare, int ascending);
 
-int dir_cmp_name(const DirEntry &a, const DirEntry &b); // numbers by value, other names by bytes
+// Sorted by name, all-digit names stand by their value and the others by their bytes, and where the
+// two kinds meet bytes decide. Descending is exactly the reverse. Equal values stand by bytes.
+int dir_cmp_name(const DirEntry &a, const DirEntry &b); // two numbers by value, else by bytes
 int dir_cmp_size(const DirEntry &a, const DirEntry &b); // 32-bit difference, taken as signed
 int dir_cmp_date(const DirEntry &a, const DirEntry &b);
 int dir_cmp_user(const DirEntry &a, const DirEntry &b);
@@ -103,11 +120,13 @@ struct DirIdSource {
 extern DirIdSource gDirIds;
 void dir_forget_names(); // empties both caches
 
-// Writes the permission text of one part of a mode: 1 owner, 2 group, 3 others (three characters each),
-// 4 sticky, 0 type (one character each). Nothing is terminated, nothing written for another part.
+// Writes the permission text of one part of a mode: 1 owner, 2 group, 3 others (three characters
+// each), 4 sticky, 0 type (one character each). Nothing is terminated, nothing written for another
+// part.
 void dir_get_permissions(mode_t mode, char *text, int part);
 
-// Sets or clears the bits of *mode that the letters name for a part: "rwx", "s" or "S" (1, 2), "s" (4).
+// Sets or clears the bits of *mode that the letters name for a part: "rwx", "s" or "S" (1, 2), "s"
+// (4).
 void dir_set_permissions(mode_t *mode, const char *letters, int part, int set);
 
 } // namespace tav

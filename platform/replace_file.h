@@ -3,12 +3,22 @@
 
 #include <string>
 #include <string_view>
+#include <sys/types.h>
 
 namespace tav {
 
+// The calls that can fail on a full or broken disk; tests put others in their place.
+struct ReplaceCalls {
+    ssize_t (*write)(int fd, const void *data, size_t size);
+    int (*fsync)(int fd);
+    int (*rename)(const char *from, const char *to);
+};
+extern ReplaceCalls gReplaceCalls;
+
 // Writes a new file beside path (through a link: beside what it points to), syncs it and renames it
 // over. An existing file keeps its mode, a new one gets 0666 less the mask. A file that could not
-// have been opened for writing is left alone. 0, or -1 with errno; no temporary file stays behind.
+// have been opened for writing is left alone; what is no regular file (a device, a pipe) is written
+// to, never replaced. 0, or -1 with errno; no temporary file stays behind.
 int replace_file_write(const char *path, std::string_view content);
 
 // Reads a whole file of at most limit bytes. 0, or -1 with errno.
