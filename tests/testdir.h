@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <functional>
@@ -207,7 +208,7 @@ public:
 private:
     [[noreturn]] static void fail(const char *what, const std::string &path)
     {
-        fprintf(stderr, "test directory: %s %s: %m\n", what, path.c_str());
+        fprintf(stderr, "test directory: %s %s: %s\n", what, path.c_str(), strerror(errno));
         abort();
     }
 
