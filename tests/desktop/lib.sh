@@ -121,6 +121,7 @@ tav_is_active() { [ "$(xdotool getactivewindow getwindowpid)" = "${1:-$tav_pid}"
 tav_is_gone() { ! kill -0 "${1:-$tav_pid}" 2>/dev/null || grep -q '^State:.Z' "/proc/${1:-$tav_pid}/status"; }
 
 # tav_status [PID]: waits for its end; its exit status is in tav_exit.
+# shellcheck disable=SC2034 # for the script that sources this
 tav_status() {
     wait_for "tav ends" tav_is_gone "${1:-$tav_pid}"
     tav_exit=0
