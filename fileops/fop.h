@@ -92,6 +92,7 @@ struct DirGroup {
     FopId id;         // of the directory itself; a descriptor for it is checked against this
     FopId dest_id;    // of the directory it is copied to, zero while that does not exist
     bool linked;      // reached through a link, or below such a directory: never deleted
+    mode_t mode;      // its final mode, and
     bool filling;     // its destination is open for filling and waits for its final mode
 };
 

@@ -1,0 +1,159 @@
+// One regular file: the questions before it, the copy into its target, and what can go wrong at the
+// end.
+#include "fileops/fop_copy.h"
+
+#include "fileops/fop_sys.h"
+
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace tav {
+namespace {
+
+FopCopied x_failed(int answer) { return answer == -1 ? FOP_END : FOP_SKIPPED; }
+
+FopCopied x_write_failed(const FopItem &item, int error)
+{
+    return x_failed(fop_ask_error(item.job, "Error writing '%s'\n%s\n", item.dest.c_str(),
+                                  std::strerror(error)));
+}
+
+// The open source, whose status from now on is the truth; or -1 with errno.
+int x_open_source(FopItem &item)
+{
+    int follow = item.job->flags & FOP_FOLLOW ? 0 : O_NOFOLLOW;
+    int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | follow;
+    int fd = fop_retry([&] { return gFopSys.openat(item.from_dir, item.from, flags, 0); });
+    struct stat status;
+    if (fd == -1)
+        return -1;
+    int error = gFopSys.fstat(fd, &status) == -1 ? errno : 0;
+    if (error == 0 && !S_ISREG(status.st_mode))
+        error = ESTALE; // something else than what was looked at
+    if (error == 0) {
+        item.status = status;
+        return fd;
+    }
+    gFopSys.close(fd);
+    errno = error;
+    return -1;
+}
+
+// A moved source that changed under the copy is not what was copied: it stays.
+FopCopied x_check_unchanged(const FopItem &item, int from)
+{
+    struct stat now;
+    int error = gFopSys.fstat(from, &now) == -1 ? errno : 0;
+    if (error == 0 && fop_stamp(now) != fop_stamp(item.status))
+        error = EBUSY;
+    if (error == 0)
+        return FOP_COPIED;
+    return x_failed(fop_ask_error(item.job, "Error reading '%s'\n%s\n", item.source.c_str(),
+                                  std::strerror(error)));
+}
+
+// Something took the name while the copy ran: asked about like any existing file.
+FopCopied x_ask_taken(FopItem &item, FopTarget &target)
+{
+    struct stat there;
+    if (gFopSys.fstatat(item.to_dir, item.to, &there, 0) == 0) {
+        if (fop_id(there) == fop_id(item.status))
+            return fop_refuse_itself(item);
+        FopCopied answer = fop_ask_overwrite(item);
+        if (answer != FOP_COPIED)
+            return answer;
+    }
+    target.replace = true; // or it is a link that leads nowhere
+    return FOP_COPIED;
+}
+
+// Names the complete file.
+FopCopied x_commit(FopItem &item, FopTarget &target, bool placed)
+{
+    while (fop_target_commit(item, target) == -1) {
+        if (placed)
+            return FOP_SKIPPED; // nothing is replaced there, and nothing more is asked
+        if (errno != EEXIST || target.replace)
+            return x_write_failed(item, errno);
+        FopCopied answer = x_ask_taken(item, target);
+        if (answer != FOP_COPIED)
+            return answer;
+    }
+    return FOP_COPIED;
+}
+
+// Everything after the source is open. placed: to where the user said in place of a name too long.
+FopCopied x_copy_open(FopItem &item, int from, bool placed)
+{
+    FopTarget target;
+    if (fop_target_open(item, target) == -1) {
+        int error = errno;
+        fop_target_drop(item, target);
+        return placed ? FOP_SKIPPED : x_write_failed(item, error);
+    }
+    if (target.made.st_dev != item.job->dirs->dest_dev)
+        item.job->dirs->other_fs = true;
+    FopCopied result = fop_copy_data(item, from, target);
+    if (result == FOP_COPIED && item.job->op == FOP_MOVE)
+        result = x_check_unchanged(item, from);
+    bool owner_failed = false;
+    if (result == FOP_COPIED) {
+        owner_failed = fop_copy_attributes(item, from, target);
+        result = x_commit(item, target, placed);
+    }
+    if (result != FOP_COPIED)
+        fop_target_drop(item, target);
+    else if (target.old_fd != -1)
+        gFopSys.close(target.old_fd);
+    return result == FOP_COPIED && owner_failed ? fop_ask_owner(item) : result;
+}
+
+bool x_name_too_long(const FopItem &item)
+{
+    int error = item.to_dir == -1 ? item.to_error : item.dest_error;
+    return !item.exists && error == ENAMETOOLONG;
+}
+
+// Asks for a shorter name; the answer lands where the user is, and replaces nothing there.
+FopCopied x_copy_elsewhere(FopItem &item, int from)
+{
+    FopPlace place;
+    const FopReport &report = *item.job->report;
+    if (!report.long_name ||
+        !report.long_name(item.job, item.source.c_str(), item.dest.c_str(), place))
+        return FOP_SKIPPED;
+    item.to_dir = place.dir_fd;
+    item.to = place.name.c_str();
+    item.dest = place.name;
+    item.exists = false;
+    FopCopied result = item.to_dir == -1 ? FOP_SKIPPED : x_copy_open(item, from, true);
+    if (place.dir_fd != -1)
+        gFopSys.close(place.dir_fd);
+    item.to_dir = -1;
+    item.to = "";
+    return result;
+}
+
+} // namespace
+
+FopCopied fop_copy_regular(FopItem &item)
+{
+    if (item.exists && fop_id(item.dest_status) == fop_id(item.status))
+        return fop_refuse_itself(item);
+    if (item.exists) {
+        FopCopied answer = fop_ask_overwrite(item);
+        if (answer != FOP_COPIED)
+            return answer;
+    }
+    int from = x_open_source(item);
+    if (from == -1)
+        return x_failed(fop_ask_error(item.job, "Unable to open '%s'\n%s\n", item.source.c_str(),
+                                      std::strerror(errno)));
+    FopCopied result =
+        x_name_too_long(item) ? x_copy_elsewhere(item, from) : x_copy_open(item, from, false);
+    gFopSys.close(from);
+    return result;
+}
+
+} // namespace tav

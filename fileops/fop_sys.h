@@ -1,0 +1,43 @@
+// The system calls of the job engine, in one table: tests replace entries to make the Nth call
+// fail. Each entry is the call of that name, with its errno. Set before a job starts, read by
+// workers.
+#pragma once
+
+#include <cstddef>
+#include <ctime>
+#include <sys/stat.h>
+#include <sys/types.h>
+
+namespace tav {
+
+struct FopSys {
+    int (*openat)(int dir, const char *path, int flags, mode_t mode);
+    int (*close)(int fd);
+    int (*fstatat)(int dir, const char *path, struct stat *status, int flags);
+    int (*fstat)(int fd, struct stat *status);
+    ssize_t (*getdents)(int fd, void *buffer, size_t size);
+    ssize_t (*read)(int fd, void *buffer, size_t size);
+    ssize_t (*write)(int fd, const void *buffer, size_t size);
+    ssize_t (*copy_range)(int from, int to, size_t size);
+    int (*clone)(int to, int from);
+    off_t (*lseek)(int fd, off_t offset, int whence);
+    int (*ftruncate)(int fd, off_t size);
+    int (*mkdirat)(int dir, const char *path, mode_t mode);
+    int (*mkfifoat)(int dir, const char *path, mode_t mode);
+    ssize_t (*readlinkat)(int dir, const char *path, char *buffer, size_t size);
+    int (*symlinkat)(const char *target, int dir, const char *path);
+    int (*linkfd)(int fd, int dir, const char *path); // gives an unnamed file its name
+    int (*renameat)(int from_dir, const char *from, int to_dir, const char *to, unsigned flags);
+    int (*unlinkat)(int dir, const char *path, int flags);
+    int (*fchmod)(int fd, mode_t mode);
+    int (*fchmodat)(int dir, const char *path, mode_t mode);
+    int (*fchownat)(int dir, const char *path, uid_t uid, gid_t gid, int flags);
+    int (*utimensat)(int dir, const char *path, const struct timespec times[2], int flags);
+    int (*syncfs)(int fd);
+    void (*delay)(unsigned milliseconds);
+};
+
+extern FopSys gFopSys;
+extern const FopSys gFopSysReal; // the table as the program starts with it
+
+} // namespace tav

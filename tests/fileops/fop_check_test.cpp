@@ -1,0 +1,146 @@
+// The checks of a destination before anything is touched.
+#include "fop_driver.h"
+
+namespace tav {
+namespace {
+
+struct FopCheck : testing::Test {
+    TestDir dir;
+    Driver driver;
+    FopCheck()
+    {
+        dir.dir("src/d");
+        dir.dir("dst");
+        dir.file("src/a", "one");
+        dir.file("src/b", "two");
+        dir.file("src/d/c", "three");
+    }
+    std::string notice() { return driver.notices.empty() ? "" : driver.notices[0]; }
+};
+
+TEST_F(FopCheck, one_file_goes_into_an_existing_directory)
+{
+    driver.copy(dir, {"a"});
+    EXPECT_EQ(dir.read("dst/a"), "one");
+}
+
+TEST_F(FopCheck, one_file_takes_a_new_name)
+{
+    driver.run(FOP_COPY, dir / "src", {"a"}, dir / "new");
+    EXPECT_EQ(dir.read("new"), "one");
+    EXPECT_TRUE(driver.alerts.empty());
+}
+
+TEST_F(FopCheck, one_file_onto_a_file_writes_to_that_file)
+{
+    dir.file("old", "before");
+    driver.answers = {2};
+    driver.run(FOP_COPY, dir / "src", {"a"}, dir / "old");
+    EXPECT_EQ(dir.read("old"), "one");
+}
+
+TEST_F(FopCheck, one_file_onto_another_type_is_refused)
+{
+    dir.fifo("old");
+    driver.run(FOP_COPY, dir / "src", {"a"}, dir / "old");
+    EXPECT_EQ(notice(), "File Scan: Source and destination file types mismatch.");
+    EXPECT_FALSE(driver.finished_done) << "a failed check shows no \"Done\"";
+    driver.run(FOP_COPY, dir / "src", {"d"}, dir / "src/a");
+    EXPECT_EQ(driver.notices.size(), 2u);
+    EXPECT_EQ(dir.read("src/a"), "one");
+}
+
+TEST_F(FopCheck, one_directory_takes_a_new_name)
+{
+    driver.run(FOP_COPY, dir / "src", {"d"}, dir / "new");
+    EXPECT_EQ(dir.read("new/c"), "three");
+    EXPECT_EQ(dir.status("new").st_mode & 07777, 0755u);
+}
+
+TEST_F(FopCheck, one_directory_whose_new_name_cannot_be_made_ends_the_job)
+{
+    driver.run(FOP_COPY, dir / "src", {"d"}, dir / "no/such/new");
+    EXPECT_EQ(notice(),
+              "Make Directory: Unable to create '" + (dir / "no/such/new") + "' directory\n");
+}
+
+TEST_F(FopCheck, one_item_that_is_not_there_ends_the_job)
+{
+    driver.copy(dir, {"gone"});
+    EXPECT_EQ(notice(), "File Scan: Unable to get stats for '" + (dir / "src/gone") + "'");
+    EXPECT_FALSE(driver.finished_done);
+}
+
+TEST_F(FopCheck, several_items_ask_for_a_missing_directory)
+{
+    driver.answers = {1};
+    driver.run(FOP_COPY, dir / "src", {"a", "b"}, dir / "new");
+    ASSERT_EQ(driver.alerts.size(), 1u);
+    EXPECT_EQ(driver.alerts[0].title, "Make Directory");
+    EXPECT_EQ(driver.alerts[0].text, "The '" + (dir / "new") +
+                                         "' directory doesn't exist\nDo you want to create this "
+                                         "directory ?");
+    EXPECT_EQ(driver.alerts[0].labels, (std::vector<std::string>{"&Yes", "&Abort"}));
+    EXPECT_EQ(dir.read("new/b"), "two");
+}
+
+TEST_F(FopCheck, several_items_and_no_end_the_job)
+{
+    driver.answers = {2};
+    driver.run(FOP_COPY, dir / "src", {"a", "b"}, dir / "new");
+    EXPECT_FALSE(dir.exists("new"));
+    EXPECT_FALSE(driver.finished_done);
+}
+
+TEST_F(FopCheck, several_items_and_a_directory_that_cannot_be_made)
+{
+    driver.answers = {1};
+    driver.run(FOP_COPY, dir / "src", {"a", "b"}, dir / "no/new");
+    EXPECT_EQ(notice(), "Make Directory: Unable to create '" + (dir / "no/new") + "' directory\n");
+}
+
+TEST_F(FopCheck, several_items_into_a_file_are_refused)
+{
+    dir.file("old", "before");
+    driver.run(FOP_COPY, dir / "src", {"a", "b"}, dir / "old");
+    EXPECT_EQ(notice(),
+              "File Scan: Can't copy/move multiple files into \n'" + (dir / "old") + "'\n");
+    EXPECT_EQ(dir.read("old"), "before");
+}
+
+TEST_F(FopCheck, a_directory_is_never_copied_into_itself_or_below)
+{
+    dir.dir("src/d/below");
+    auto before = dir.all();
+    for (const char *dest : {"src/d", "src/d/below", "src/d/new", "src"}) {
+        driver.run(FOP_COPY, dir / "src", {"d"}, dir / dest);
+        EXPECT_EQ(driver.notices.back(), "File Scan: Can't copy file(s) into itself.") << dest;
+        EXPECT_EQ(dir.all(), before) << dest;
+    }
+    EXPECT_TRUE(driver.alerts.empty());
+}
+
+TEST_F(FopCheck, a_directory_is_never_moved_into_itself_or_below)
+{
+    dir.dir("src/d/below");
+    auto before = dir.all();
+    for (const char *dest : {"src/d", "src/d/below", "src/d/below/new"}) {
+        driver.run(FOP_MOVE, dir / "src", {"a", "d"},
+                   dir / (dest == std::string("src/d/below/new") ? "src/d/below" : dest));
+        EXPECT_EQ(driver.notices.back(), "File Scan: Can't move file(s) into itself.") << dest;
+        EXPECT_EQ(dir.all(), before)
+            << dest << ": nothing is touched, not even what could be moved";
+    }
+}
+
+TEST_F(FopCheck, a_directory_is_recognised_behind_a_link)
+{
+    dir.link("other", "src/d");
+    auto before = dir.all();
+    driver.run(FOP_COPY, dir / "src", {"d"}, dir / "other");
+    EXPECT_EQ(notice(), "File Scan: Can't copy file(s) into itself.");
+    EXPECT_EQ(dir.all(), before);
+}
+
+} // namespace
+} // namespace tav
