@@ -1,5 +1,5 @@
-// Builds menus from tables. A dimmed item would also lose its key, so the keys belong to actions of their
-// own (QShortcut), which call the row's handler whatever the menu last showed.
+// Builds menus from tables. A dimmed item would also lose its key, so the keys belong to actions of
+// their own (QShortcut), which call the row's handler whatever the menu last showed.
 #include "app/menu.h"
 
 #include <QHash>
@@ -19,10 +19,10 @@ struct KeyName {
 };
 
 constexpr KeyName sKeys[] = {
-    {"Ret", Qt::Key_Return}, {"Del", Qt::Key_Delete},  {"Bksp", Qt::Key_Backspace},
-    {"<-", Qt::Key_Left},    {"->", Qt::Key_Right},    {"F1", Qt::Key_F1},
-    {"F2", Qt::Key_F2},      {"F3", Qt::Key_F3},       {"F4", Qt::Key_F4},
-    {"F5", Qt::Key_F5},      {"F6", Qt::Key_F6},       {"F9", Qt::Key_F9},
+    {"Ret", Qt::Key_Return}, {"Del", Qt::Key_Delete}, {"Bksp", Qt::Key_Backspace},
+    {"<-", Qt::Key_Left},    {"->", Qt::Key_Right},   {"F1", Qt::Key_F1},
+    {"F2", Qt::Key_F2},      {"F3", Qt::Key_F3},      {"F4", Qt::Key_F4},
+    {"F5", Qt::Key_F5},      {"F6", Qt::Key_F6},      {"F9", Qt::Key_F9},
     {"F10", Qt::Key_F10},    {"F11", Qt::Key_F11},
 };
 
@@ -76,7 +76,8 @@ QAction *x_add_row(QMenu *menu, const MenuRow &row, QWidget *window, bool keys)
     return action;
 }
 
-// A function row: an invisible action holds the place; what the row adds goes when the menu opens again.
+// A function row: an invisible action holds the place; what the row adds goes when the menu opens
+// again.
 void x_add_function(QMenu *menu, const MenuRow &row)
 {
     QAction *place = menu->addSeparator();

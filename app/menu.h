@@ -63,17 +63,17 @@ constexpr MenuRow menu_function(int level, const char *name, MenuPopulate popula
 
 // One menu of the menu bar.
 struct MenuTable {
-    const char *name;    // the menu's name, "file_menu"
-    const char *title;   // in the bar
-    const MenuRow *rows; // up to MENU_END
+    const char *name;          // the menu's name, "file_menu"
+    const char *title;         // in the bar
+    const MenuRow *rows;       // up to MENU_END
     int (*setup)(QMenu *menu); // enables and dims the items when the menu opens; may be null
 };
 
 // The text shown for an accelerator: "Ctrl-N", "Shift-Ret", "F5", "Alt-<-"; empty without a key.
 QString menu_accelerator_text(unsigned modifiers, const char *key);
 
-// Fills a menu from rows. With keys, each accelerator works while window has the focus, and goes on working
-// while its item is dimmed; a key that an earlier row of the window owns is only shown.
+// Fills a menu from rows. With keys, each accelerator works while window has the focus, and goes on
+// working while its item is dimmed; a key that an earlier row of the window owns is only shown.
 void menu_fill(QMenu *menu, const MenuRow *rows, QWidget *window, bool keys);
 
 // A menu of its own, for a context menu: accelerators are shown only. The caller owns it.

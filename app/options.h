@@ -9,24 +9,25 @@ constexpr const char *OPTIONS_LETTERS = "s:x:y:h:w:S:";
 
 // What the user asked of the first window. Lengths are the desktop's pixels.
 struct Options {
-    std::string server;          // display to connect to; empty: the environment's
-    int x = -1, y = -1;          // position; meaningful when has_x, has_y
-    int width = 0, height = 0;   // 0: not given
+    std::string server;        // display to connect to; empty: the environment's
+    int x = -1, y = -1;        // position; meaningful when has_x, has_y
+    int width = 0, height = 0; // 0: not given
     bool has_x = false, has_y = false;
-    char state = 'n';            // 'i' iconified, 'm' maximised, 'n' normal
+    char state = 'n'; // 'i' iconified, 'm' maximised, 'n' normal
     bool help = false, version = false;
-    std::string error;           // what could not be understood, a line for standard error; else empty
+    std::string error; // what could not be understood, a line for standard error; else empty
 };
 
-// Reads the options; a value may stand in the same word or in the next ("-Sm", "-S m"). Words that are no
-// options are left to whoever looks for the start directory. Words that are not understood are told in error.
+// Reads the options; a value may stand in the same word or in the next ("-Sm", "-S m"). Words that
+// are no options are left to whoever looks for the start directory. Words that are not understood
+// are told in error.
 Options options_parse(int argc, const char *const *argv);
 
 // The usage text for a program of that name.
 std::string options_usage(const char *program);
 
-// The name of the environment variable and its value that connect to options.server ("DISPLAY", ":4").
-// False when the text names no display.
+// The name of the environment variable and its value that connect to options.server ("DISPLAY",
+// ":4"). False when the text names no display.
 bool options_display(const std::string &server, std::string &variable, std::string &value);
 
 } // namespace tav

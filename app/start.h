@@ -5,18 +5,22 @@
 
 namespace tav {
 
-extern std::string gStartPath;  // absolute directory in which the list first opens
-extern const char *gConfigPath; // the settings directory, or null when it could not be found or created
+extern std::string gStartPath; // absolute directory in which the list first opens
+extern const char
+    *gConfigPath; // the settings directory, or null when it could not be found or created
 
-// The first word of the command line that does not begin with "-", made absolute. 0 when there is none,
-// else non-zero with out filled. optstring is not looked at: the value of an option counts too.
-int x_get_orphan_argument(std::string &out, const char *optstring, int argc, const char *const *argv);
+// The first word of the command line that does not begin with "-", made absolute. 0 when there is
+// none, else non-zero with out filled. optstring is not looked at: the value of an option counts
+// too.
+int x_get_orphan_argument(std::string &out, const char *optstring, int argc,
+                          const char *const *argv);
 
-// The start directory for these words: the leftover one when it is a directory, else the working one.
+// The start directory for these words: the leftover one when it is a directory, else the working
+// one.
 std::string start_path(int argc, const char *const *argv);
 
-// The settings directory, found or created (its last component only). 0, or -1 after saying on standard
-// error why there is none.
+// The settings directory, found or created (its last component only). 0, or -1 after saying on
+// standard error why there is none.
 int x_get_config_path(std::string &out);
 
 } // namespace tav

@@ -1,0 +1,179 @@
+// The main window: set-up, notification, end. What lower floors need of higher ones is filled in
+// here.
+#include "app/base.h"
+
+#include "app/cl.h"
+#include "app/init.h"
+#include "app/menu.h"
+#include "app/start.h"
+#include "platform/combo.h"
+#include "platform/lengths.h"
+#include "platform/shown.h"
+#include "platform/w.h"
+#include "ui_base.h"
+#include "views/fl.h"
+
+#include <QAbstractSpinBox>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <cstdlib>
+
+namespace tav {
+
+int base_window_closed = 0;
+
+namespace {
+
+bool sLeft = false; // base_closing has run; once is enough
+
+// Everything that a lower floor asks of a higher one.
+void x_fill_hooks() {}
+
+void x_show(const Options &options)
+{
+    if (options.width > 0 || options.height > 0)
+        gBase->resize(options.width > 0 ? options.width : gBase->width(),
+                      options.height > 0 ? options.height : gBase->height());
+    if (options.has_x || options.has_y)
+        gBase->move(options.has_x ? options.x : gBase->x(), options.has_y ? options.y : gBase->y());
+    if (options.state == 'i')
+        gBase->showMinimized();
+    else if (options.state == 'm')
+        gBase->showMaximized();
+    else
+        gBase->show();
+}
+
+// Shows the history's first text, which the strict selection of a single item would leave out.
+void x_fill_box(const char *name, ClHistory *history)
+{
+    auto *box = w_find<QComboBox>(name);
+    if (box == nullptr)
+        return;
+    const ClBox view = combo_box(box);
+    cl_apply(history, view);
+    cl_text_select(view, 1);
+    if (const char *first = cl_get(history, 1))
+        box->setEditText(shown_text(first));
+}
+
+void x_setup_before()
+{
+    x_fill_box("tb_filespec", gSpecList);
+    fl_setspec(cl_get(gSpecList, 1));
+    w_find("hotlist_panel")->setMinimumSize(lengths_to_pixels(96), lengths_to_pixels(100));
+    w_find("filelist_panel")->setMinimumSize(lengths_to_pixels(120), lengths_to_pixels(100));
+    x_fill_box("tb_curpath", gPathList);
+    fl_setup();
+    fl_set_notify_cb(base_update);
+    base_set_divider_metrics(*gConfig);
+}
+
+// The window goes now, or hides until the last job is done.
+void x_close_window()
+{
+    if (sLeft)
+        return;
+    sLeft = true;
+    base_closing();
+    gBase->hide();
+}
+
+bool x_is_text_field(const QObject *object)
+{
+    return qobject_cast<const QLineEdit *>(object) != nullptr ||
+           qobject_cast<const QAbstractSpinBox *>(object) != nullptr;
+}
+
+} // namespace
+
+BaseWindow::BaseWindow() { qApp->installEventFilter(this); }
+
+void BaseWindow::closeEvent(QCloseEvent *event)
+{
+    event->accept();
+    base_leave();
+}
+
+bool BaseWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride && x_is_text_field(watched)) {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter)
+            event->accept();
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void base_update()
+{
+    const QWidget *focus = QApplication::focusWidget();
+    if (!(fl_is_outside() && x_is_text_field(focus)))
+        wfocus(w_find("filelist"));
+}
+
+void base_create(const Options &options)
+{
+    sLeft = false;
+    base_window_closed = 0;
+    gBase = new BaseWindow;
+    Ui::base form;
+    form.setupUi(static_cast<QMainWindow *>(gBase));
+    menu_build_bar(form.menubar, gMenuBar, gBase);
+    x_fill_hooks();
+    base_setup(BaseReason::before_realize);
+    base_opening();
+    x_show(options);
+    base_setup(BaseReason::after_realize);
+}
+
+int base_setup(BaseReason reason)
+{
+    if (reason == BaseReason::before_realize)
+        x_setup_before();
+    else
+        fl_setpath(gStartPath.c_str());
+    show_sort_method();
+    return W_CONTINUE;
+}
+
+int base_opening()
+{
+    base_set_window_metrics(*gConfig);
+    return W_CONTINUE;
+}
+
+int base_closing()
+{
+    if (gConfigPath == nullptr)
+        return W_CONTINUE;
+    if (gConfig->save_on_exit != 0) {
+        base_get_window_metrics(*gConfig);
+        base_get_divider_metrics(*gConfig);
+        init_save_config(gConfig, gConfigPath, "config.003");
+    }
+    init_save_cboxs(gConfigPath);
+    init_destroy_cboxs();
+    base_window_closed = 1;
+    return W_CONTINUE;
+}
+
+bool base_is_gone() { return sLeft; }
+
+void base_leave()
+{
+    x_close_window();
+    QCoreApplication::exit(EXIT_SUCCESS); // quit() would ask every window first
+}
+
+void base_terminate()
+{
+    x_close_window();
+    QCoreApplication::exit(EXIT_SUCCESS);
+}
+
+} // namespace tav

@@ -1,0 +1,51 @@
+// Start-up in its exact order.
+#include "app/init.h"
+
+#include "app/base.h"
+#include "app/cl.h"
+#include "app/config.h"
+#include "app/start.h"
+#include "platform/signals.h"
+#include "platform/w.h"
+#include "views/fl.h"
+
+#include <csignal>
+#include <string>
+#include <unistd.h>
+
+namespace tav {
+
+namespace {
+
+void x_install_signals()
+{
+    signals_add({SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2},
+                [](int) { base_terminate(); });
+    signals_add({SIGWINCH}, [](int) { signal_refresh(); });
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+} // namespace
+
+int init(int argc, const char *const *argv)
+{
+    setpgid(0, 0); // refused to a session leader, which leads its group already
+    gStartPath = start_path(argc, argv);
+    static std::string sConfigPath;
+    gConfigPath = x_get_config_path(sConfigPath) == 0 ? sConfigPath.c_str() : nullptr;
+    gConfig = x_read_config(gConfigPath, "config.003");
+    init_read_cboxs(gConfigPath);
+    init_read_associations(gConfigPath, "associate.003");
+    return 0;
+}
+
+void init_read_associations(const char *, const char *) { x_install_signals(); }
+
+void signal_refresh()
+{
+    if (base_window_closed != 0 || base_is_gone())
+        return;
+    fl_refresh_outside();
+}
+
+} // namespace tav

@@ -1,0 +1,87 @@
+// tav: a graphical file manager. Entry and exit; see docs/architecture.md for the way through the
+// code.
+#include "app/base.h"
+#include "app/init.h"
+#include "app/options.h"
+#include "platform/ui_gate.h"
+
+#include <QApplication>
+#include <QLocale>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+using namespace tav;
+
+namespace {
+
+constexpr const char *sVersion = "tav 1.13";
+
+// Without a display the toolkit would dump core; a sentence serves the user better.
+void x_fatal_message(QtMsgType type, const QMessageLogContext &, const QString &text)
+{
+    std::fprintf(stderr, "tav: %s\n", qUtf8Printable(text));
+    if (type == QtFatalMsg)
+        _exit(EXIT_FAILURE);
+}
+
+// The locale decides characters, nothing else.
+void x_set_locale()
+{
+    const std::string characters = std::setlocale(LC_CTYPE, nullptr);
+    std::setlocale(LC_ALL, "C");
+    std::setlocale(LC_CTYPE, characters.c_str());
+    QLocale::setDefault(QLocale::c());
+}
+
+// Answers what needs no window: true when the program is done.
+bool x_answer(const Options &options, const char *program)
+{
+    if (options.help)
+        std::fputs(options_usage(program).c_str(), stdout);
+    else if (options.version)
+        std::puts(sVersion);
+    if (!options.error.empty())
+        std::fprintf(stderr, "%s: %s\n", program, options.error.c_str());
+    return options.help || options.version;
+}
+
+void x_connect_display(const Options &options)
+{
+    std::string variable, value;
+    if (options_display(options.server, variable, value))
+        setenv(variable.c_str(), value.c_str(), 1);
+    else if (!options.server.empty())
+        std::fprintf(stderr, "tav: no such display: %s\n", options.server.c_str());
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const Options options = options_parse(argc, argv);
+    if (x_answer(options, argc > 0 ? argv[0] : "tav"))
+        return EXIT_SUCCESS;
+    x_connect_display(options);
+
+    // The toolkit takes words out of the line it is given; the start directory is sought in ours.
+    std::vector<char *> toolkit_words(argv, argv + argc + 1);
+    int toolkit_count = argc;
+    const QtMessageHandler previous = qInstallMessageHandler(x_fatal_message);
+    QApplication application(toolkit_count, toolkit_words.data());
+    qInstallMessageHandler(previous);
+    QApplication::setApplicationName(QStringLiteral("tav"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("tav"));
+    QApplication::setQuitOnLastWindowClosed(false);
+    x_set_locale();
+    ui_gate_open();
+
+    init(argc, argv);
+    base_create(options);
+    QApplication::exec();
+    ui_gate_close();
+    return EXIT_SUCCESS;
+}

@@ -1,0 +1,295 @@
+// The main window: set-up, metrics, leaving, signals, text fields.
+#include "app/base.h"
+
+#include "app/cl.h"
+#include "app/init.h"
+#include "app/start.h"
+#include "platform/lengths.h"
+#include "platform/ui_gate.h"
+#include "platform/w.h"
+#include "views/fl.h"
+#include "views/fl_view.h"
+
+#include <QApplication>
+#include <QSplitter>
+#include <QTest>
+#include <csignal>
+#include <fstream>
+#include <testdir.h>
+
+namespace tav {
+
+class BaseTest : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<TestDir> m_dir;
+    std::string m_config;
+
+    // Starts as main does, in a home of its own.
+    void start(const Options &options = {})
+    {
+        const std::string directory = m_dir->path() + "/shown";
+        const char *words[] = {"tav", directory.c_str()};
+        tav::init(2, words);
+        base_create(options);
+        QVERIFY(QTest::qWaitForWindowExposed(gBase));
+    }
+    void finish()
+    {
+        if (gBase != nullptr)
+            base_leave();
+        delete gBase;
+        gBase = nullptr;
+    }
+    void restart()
+    {
+        finish();
+        start();
+    }
+    Config saved() const
+    {
+        Config record{};
+        std::ifstream file(m_config + "/config.003", std::ios::binary);
+        file.read(reinterpret_cast<char *>(&record), sizeof record);
+        return record;
+    }
+    void write(const Config &record) const
+    {
+        std::ofstream file(m_config + "/config.003", std::ios::binary);
+        file.write(reinterpret_cast<const char *>(&record), sizeof record);
+    }
+    static Config x_defaults()
+    {
+        Config record{};
+        config_set_defaults(record);
+        record.flags |= CONFIG_MARKER;
+        return record;
+    }
+
+  private Q_SLOTS:
+    void initTestCase() { ui_gate_open(); }
+    void init()
+    {
+        m_dir = std::make_unique<TestDir>();
+        m_dir->directory("shown");
+        m_dir->file("shown/a.txt");
+        m_dir->directory(".ph");
+        setenv("HOME", m_dir->path().c_str(), 1);
+        m_config = m_dir->path() + "/.ph/tav";
+    }
+    void cleanup() { finish(); }
+
+    void theWindowOpensTheStartDirectoryWithTheListFocused()
+    {
+        start();
+        QCOMPARE(QString::fromStdString(gDir.path), QString::fromStdString(m_dir->path() + "/shown"));
+        QCOMPARE(gDir.count, 1);
+        QTRY_COMPARE(QApplication::focusWidget(), static_cast<QWidget *>(fl_view()));
+    }
+
+    void theDefaultSizeFollowsTheTextFont()
+    {
+        start();
+        QCOMPARE(gBase->width(), lengths_to_pixels(600));
+        QCOMPARE(gBase->height(), lengths_to_pixels(410));
+        QCOMPARE(w_find("hotlist_panel")->width(), lengths_to_pixels(190));
+        QCOMPARE(fl_get_column_width(1), lengths_to_pixels(125));
+        QCOMPARE(fl_get_column_width(6), lengths_to_pixels(75));
+    }
+
+    void aResizedWindowOpensAtThatSizeAgain()
+    {
+        start();
+        gBase->resize(700, 500);
+        fl_set_column_width(2, 91);
+        w_find<QSplitter>("workspace")->setSizes({210, 480});
+        const int panel = w_find("hotlist_panel")->width();
+        restart();
+        QCOMPARE(gBase->size(), QSize(700, 500));
+        QCOMPARE(fl_get_column_width(2), 91);
+        QCOMPARE(w_find("hotlist_panel")->width(), panel);
+    }
+
+    void aMaximisedWindowSavesItsNormalSize()
+    {
+        start();
+        gBase->resize(700, 500);
+        gBase->showMaximized();
+        QTRY_VERIFY(gBase->width() != 700);
+        finish();
+        QCOMPARE(lengths_to_pixels(saved().window_width), 700);
+        QCOMPARE(lengths_to_pixels(saved().window_height), 500);
+    }
+
+    void savingAndLoadingAgainChangesNothing()
+    {
+        start();
+        finish();
+        const Config first = saved();
+        restart();
+        finish();
+        const Config second = saved();
+        QCOMPARE(std::memcmp(&first, &second, sizeof first), 0);
+        QCOMPARE(first.window_width, 600);
+        QCOMPARE(first.column_width[0], 125);
+        QCOMPARE(first.flags, 0xFF000924u);
+    }
+
+    void withTheHotlistByteClearThePanelIsHiddenAndKeepsItsWidth()
+    {
+        m_dir->directory(".ph/tav");
+        Config record = x_defaults();
+        record.hotlist_shown = 0;
+        record.hotlist_width = 177;
+        write(record);
+        start();
+        QVERIFY(w_find("hotlist_panel")->isHidden());
+        finish();
+        QCOMPARE(saved().hotlist_width, 177);
+        QCOMPARE(int(saved().hotlist_shown), 0);
+    }
+
+    void numbersThatMakeNoSenseAreClampedOnUseAndKeptOnTheDisk()
+    {
+        m_dir->directory(".ph/tav");
+        Config record = x_defaults();
+        record.window_width = 0x7FFFFFFF;
+        record.window_height = 0;
+        record.hotlist_width = -1;
+        record.column_width[0] = -5;
+        record.column_width[1] = 0x40000000;
+        std::memset(record.list_font, 0xEE, sizeof record.list_font);
+        record.key_timeout = -7;
+        write(record);
+        start();
+        QVERIFY(gBase->width() >= 100 && gBase->width() <= gBase->screen()->availableSize().width());
+        QVERIFY(gBase->height() >= 100);
+        QVERIFY(fl_get_column_width(1) > 0);
+        finish();
+        QCOMPARE(std::memcmp(&record, &static_cast<const Config &>(saved()), sizeof record), 0);
+    }
+
+    void theLowSixteenBitsOfTheMetricsCount()
+    {
+        m_dir->directory(".ph/tav");
+        Config record = x_defaults();
+        record.window_width = 0x10000 | 400;
+        write(record);
+        start();
+        QCOMPARE(gBase->width(), lengths_to_pixels(400));
+    }
+
+    void withSaveOnExitClearTheRecordIsNotWritten()
+    {
+        m_dir->directory(".ph/tav");
+        Config record = x_defaults();
+        record.save_on_exit = 0;
+        write(record);
+        start();
+        gBase->resize(700, 500);
+        finish();
+        QCOMPARE(saved().window_width, 600);
+        QVERIFY(std::ifstream(m_config + "/fspec.001").good());
+    }
+
+    void optionsWinOverTheSavedSize()
+    {
+        Options options;
+        options.width = 640;
+        options.height = 333;
+        start(options);
+        QCOMPARE(gBase->size(), QSize(640, 333));
+    }
+
+    void aPositionIsTakenAsItIsGiven()
+    {
+        Options options;
+        options.has_x = options.has_y = true;
+        options.x = 33;
+        options.y = 44;
+        start(options);
+        QCOMPARE(gBase->pos(), QPoint(33, 44));
+    }
+
+    void aWindowStateIsTakenAsItIsGiven()
+    {
+        Options options;
+        options.state = 'm';
+        start(options);
+        QVERIFY(gBase->isMaximized());
+    }
+
+    void closingTheFrameSavesOnceAndEndsTheProgram()
+    {
+        start();
+        int ended = 0;
+        QTimer::singleShot(0, gBase, [] { gBase->close(); });
+        ended = QApplication::exec();
+        QCOMPARE(ended, 0);
+        QVERIFY(base_is_gone());
+        QCOMPARE(base_window_closed, 1);
+        QVERIFY(std::ifstream(m_config + "/config.003").good());
+        std::remove((m_config + "/config.003").c_str());
+        base_leave();
+        QVERIFY(!std::ifstream(m_config + "/config.003").good());
+    }
+
+    void altXEndsTheProgram()
+    {
+        start();
+        QTimer::singleShot(0, gBase, [] { QTest::keyClick(gBase, Qt::Key_X, Qt::AltModifier); });
+        QCOMPARE(QApplication::exec(), 0);
+        QVERIFY(base_is_gone());
+    }
+
+    void withoutASettingsDirectoryNothingIsWrittenAndTheWindowIsGoneAllTheSame()
+    {
+        setenv("HOME", (m_dir->path() + "/nowhere").c_str(), 1);
+        start();
+        QTimer::singleShot(0, gBase, [] { gBase->close(); });
+        QCOMPARE(QApplication::exec(), 0);
+        QCOMPARE(base_window_closed, 0);
+        QVERIFY(base_is_gone());
+        m_dir->file("shown/late.txt");
+        signal_refresh();
+        QCOMPARE(gDir.count, 1);
+    }
+
+    void aRefreshSignalReadsTheDirectoryAgain()
+    {
+        start();
+        m_dir->file("shown/late.txt");
+        std::raise(SIGWINCH);
+        QTRY_COMPARE(gDir.count, 2);
+    }
+
+    void aRefreshSignalAfterTheWindowHasClosedDoesNothing()
+    {
+        start();
+        base_leave();
+        m_dir->file("shown/late.txt");
+        signal_refresh();
+        QCOMPARE(gDir.count, 1);
+    }
+
+    void aTerminatingSignalSavesAndEndsWithStatusZero_data()
+    {
+        QTest::addColumn<int>("signal");
+        for (int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2})
+            QTest::newRow(strsignal(signal)) << signal;
+    }
+    void aTerminatingSignalSavesAndEndsWithStatusZero()
+    {
+        QFETCH(int, signal);
+        start();
+        QTimer::singleShot(0, gBase, [signal] { std::raise(signal); });
+        QCOMPARE(QApplication::exec(), 0);
+        QVERIFY(std::ifstream(m_config + "/config.003").good());
+    }
+};
+
+} // namespace tav
+
+QTEST_MAIN(tav::BaseTest)
+#include "base_qtest.moc"
