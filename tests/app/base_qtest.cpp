@@ -72,9 +72,9 @@ class BaseTest : public QObject
     void init()
     {
         m_dir = std::make_unique<TestDir>();
-        m_dir->directory("shown");
+        m_dir->dir("shown");
         m_dir->file("shown/a.txt");
-        m_dir->directory(".ph");
+        m_dir->dir(".ph");
         setenv("HOME", m_dir->path().c_str(), 1);
         m_config = m_dir->path() + "/.ph/tav";
     }
@@ -138,7 +138,7 @@ class BaseTest : public QObject
 
     void withTheHotlistByteClearThePanelIsHiddenAndKeepsItsWidth()
     {
-        m_dir->directory(".ph/tav");
+        m_dir->dir(".ph/tav");
         Config record = x_defaults();
         record.hotlist_shown = 0;
         record.hotlist_width = 177;
@@ -152,7 +152,7 @@ class BaseTest : public QObject
 
     void numbersThatMakeNoSenseAreClampedOnUseAndKeptOnTheDisk()
     {
-        m_dir->directory(".ph/tav");
+        m_dir->dir(".ph/tav");
         Config record = x_defaults();
         record.window_width = 0x7FFFFFFF;
         record.window_height = 0;
@@ -172,7 +172,7 @@ class BaseTest : public QObject
 
     void theLowSixteenBitsOfTheMetricsCount()
     {
-        m_dir->directory(".ph/tav");
+        m_dir->dir(".ph/tav");
         Config record = x_defaults();
         record.window_width = 0x10000 | 400;
         write(record);
@@ -182,7 +182,7 @@ class BaseTest : public QObject
 
     void withSaveOnExitClearTheRecordIsNotWritten()
     {
-        m_dir->directory(".ph/tav");
+        m_dir->dir(".ph/tav");
         Config record = x_defaults();
         record.save_on_exit = 0;
         write(record);

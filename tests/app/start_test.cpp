@@ -1,0 +1,201 @@
+// Where the program starts, and the words of the command line.
+#include "app/options.h"
+#include "app/start.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <testdir.h>
+#include <unistd.h>
+
+namespace tav {
+namespace {
+
+using Words = std::vector<const char *>;
+
+std::string orphan(const Words &words)
+{
+    std::string out;
+    x_get_orphan_argument(out, OPTIONS_LETTERS, static_cast<int>(words.size()), words.data());
+    return out;
+}
+
+std::string start(const Words &words)
+{
+    return start_path(static_cast<int>(words.size()), words.data());
+}
+
+Options parse(const Words &words)
+{
+    return options_parse(static_cast<int>(words.size()), words.data());
+}
+
+// A working directory of its own that holds a directory "docs" and a file "plain".
+class StartTest : public testing::Test
+{
+  protected:
+    void SetUp() override
+    {
+        m_dir.dir("docs");
+        m_dir.file("plain");
+        ASSERT_EQ(chdir(m_dir.path().c_str()), 0);
+    }
+    void TearDown() override { ASSERT_EQ(chdir("/"), 0); }
+    TestDir m_dir;
+};
+
+TEST_F(StartTest, AValueInAWordOfItsOwnIsTheLeftoverWord)
+{
+    EXPECT_EQ(orphan({"tav", "-x", "10", "/tmp"}), m_dir.path() + "/10");
+    EXPECT_EQ(start({"tav", "-x", "10"}), m_dir.path());
+}
+
+TEST_F(StartTest, ARelativeDirectoryOpensBelowTheWorkingDirectory)
+{
+    EXPECT_EQ(start({"tav", "docs"}), m_dir.path() + "/docs");
+}
+
+TEST_F(StartTest, AnAbsoluteDirectoryOpensAsItStands)
+{
+    EXPECT_EQ(start({"tav", "/tmp"}), "/tmp");
+    EXPECT_EQ(orphan({"tav", "/tmp//x/"}), "/tmp//x/");
+}
+
+TEST_F(StartTest, AFileOrAMissingPathGivesTheWorkingDirectory)
+{
+    EXPECT_EQ(start({"tav", "plain"}), m_dir.path());
+    EXPECT_EQ(start({"tav", "missing"}), m_dir.path());
+    EXPECT_EQ(start({"tav"}), m_dir.path());
+    EXPECT_EQ(start({"tav", "-x10", "-Sm"}), m_dir.path());
+}
+
+TEST_F(StartTest, AWorkingDirectoryThatIsGoneStartsAtTheRoot)
+{
+    ASSERT_EQ(chdir("docs"), 0);
+    ASSERT_EQ(rmdir((m_dir.path() + "/docs").c_str()), 0);
+    EXPECT_EQ(start({"tav"}), "/");
+}
+
+// Each test has a home of its own.
+class ConfigPathTest : public StartTest
+{
+  protected:
+    void SetUp() override
+    {
+        StartTest::SetUp();
+        m_home = m_dir.dir("home");
+        setenv("HOME", m_home.c_str(), 1);
+    }
+    std::string find()
+    {
+        testing::internal::CaptureStderr();
+        std::string out;
+        m_result = x_get_config_path(out);
+        m_said = testing::internal::GetCapturedStderr();
+        return out;
+    }
+    std::string m_home, m_said;
+    int m_result = 0;
+};
+
+TEST_F(ConfigPathTest, TheFolderIsCreatedForItsUserAlone)
+{
+    m_dir.dir("home/.ph");
+    EXPECT_EQ(find(), m_home + "/.ph/tav");
+    EXPECT_EQ(m_said, "");
+    struct stat status;
+    ASSERT_EQ(stat((m_home + "/.ph/tav").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0700u);
+    EXPECT_EQ(find(), m_home + "/.ph/tav");
+}
+
+TEST_F(ConfigPathTest, WithoutItsParentItIsNotCreated)
+{
+    EXPECT_EQ(find(), "");
+    EXPECT_EQ(m_result, -1);
+    EXPECT_EQ(m_said, "TAV error: unable to create config directory " + m_home + "/.ph/tav\n");
+}
+
+TEST_F(ConfigPathTest, AFileInItsPlaceIsRefused)
+{
+    m_dir.dir("home/.ph");
+    m_dir.file("home/.ph/tav");
+    EXPECT_EQ(find(), "");
+    EXPECT_EQ(m_said, "TAV error: unable to access config directory " + m_home + "/.ph/tav\n");
+}
+
+TEST_F(ConfigPathTest, WithoutAHomeItLiesInTheRoot)
+{
+    unsetenv("HOME");
+    if (access("/.ph", F_OK) == 0)
+        FAIL() << "this machine keeps settings in the root";
+    find();
+    EXPECT_EQ(m_said, "TAV error: unable to create config directory /.ph/tav\n");
+    setenv("HOME", "", 1);
+    find();
+    EXPECT_EQ(m_said, "TAV error: unable to create config directory /.ph/tav\n");
+}
+
+TEST_F(ConfigPathTest, ARelativeHomeIsMadeAbsolute)
+{
+    m_dir.dir("home/.ph");
+    setenv("HOME", "home", 1);
+    EXPECT_EQ(find(), m_home + "/.ph/tav");
+}
+
+TEST(OptionsTest, ValuesStandInTheSameWordOrInTheNext)
+{
+    const Options one = parse({"tav", "-x10", "-y-5", "-h200", "-w300", "-Sm"});
+    EXPECT_TRUE(one.has_x && one.has_y);
+    EXPECT_EQ(one.x, 10);
+    EXPECT_EQ(one.y, -5);
+    EXPECT_EQ(one.height, 200);
+    EXPECT_EQ(one.width, 300);
+    EXPECT_EQ(one.state, 'm');
+    const Options two = parse({"tav", "-x", "10", "-y", "-5", "-h", "200", "-w", "300", "-S", "i"});
+    EXPECT_EQ(two.x, 10);
+    EXPECT_EQ(two.y, -5);
+    EXPECT_EQ(two.height, 200);
+    EXPECT_EQ(two.width, 300);
+    EXPECT_EQ(two.state, 'i');
+    EXPECT_EQ(two.error, "");
+}
+
+TEST(OptionsTest, WhatMakesNoSenseIsToldAndIgnored)
+{
+    EXPECT_EQ(parse({"tav", "-Sq"}).error, "bad value for option -S");
+    EXPECT_EQ(parse({"tav", "-w"}).error, "bad value for option -w");
+    EXPECT_EQ(parse({"tav", "-w0"}).error, "bad value for option -w");
+    EXPECT_EQ(parse({"tav", "-h", "99999999999"}).error, "bad value for option -h");
+    EXPECT_EQ(parse({"tav", "-x1z"}).error, "bad value for option -x");
+    EXPECT_FALSE(parse({"tav", "-x1z"}).has_x);
+}
+
+TEST(OptionsTest, HelpShowsTheUsageTextWithTheProgramsName)
+{
+    EXPECT_TRUE(parse({"tav", "--help"}).help);
+    EXPECT_TRUE(parse({"tav", "--version"}).version);
+    const std::string text = options_usage("tav");
+    EXPECT_EQ(text.find("%C"), std::string::npos);
+    EXPECT_EQ(text.substr(0, text.find('\n')), "tav - This is a QNX/Photon Application.");
+    EXPECT_NE(text.find("\n  -S i|m|n    Initial window state: i=iconified, m=maximized, n=normal\n"),
+              std::string::npos);
+    EXPECT_NE(text.find("\ntav -x10 -y10 -h200 -w300\n  Run at initial position 10,10 with initial \n"
+                        "  dimension of 200x300.\n"),
+              std::string::npos);
+}
+
+TEST(OptionsTest, AServerIsADisplay)
+{
+    std::string variable, value;
+    ASSERT_TRUE(options_display("4", variable, value));
+    EXPECT_EQ(variable + "=" + value, "DISPLAY=:4");
+    ASSERT_TRUE(options_display("host:1.0", variable, value));
+    EXPECT_EQ(variable + "=" + value, "DISPLAY=host:1.0");
+    ASSERT_TRUE(options_display("wayland-1", variable, value));
+    EXPECT_EQ(variable + "=" + value, "WAYLAND_DISPLAY=wayland-1");
+    EXPECT_FALSE(options_display("//4/dev/photon", variable, value));
+    EXPECT_FALSE(options_display("", variable, value));
+}
+
+} // namespace
+} // namespace tav
