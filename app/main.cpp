@@ -3,6 +3,7 @@
 #include "app/base.h"
 #include "app/init.h"
 #include "app/options.h"
+#include "app/start.h"
 #include "platform/ui_gate.h"
 
 #include <QApplication>
@@ -77,6 +78,7 @@ int main(int argc, char **argv)
     QGuiApplication::setDesktopFileName(QStringLiteral("tav"));
     QApplication::setQuitOnLastWindowClosed(false);
     x_set_locale();
+    start_append_path(QCoreApplication::applicationFilePath().toLocal8Bit().toStdString());
     ui_gate_open();
 
     init(argc, argv);

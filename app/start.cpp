@@ -29,6 +29,9 @@ std::string x_working_directory()
     return out;
 }
 
+// Where the platform programs lie beside the executable: installed, or in the tree it was built in.
+constexpr const char *sProgramFolders[] = {"/../libexec/tav", "/../../data/programs"};
+
 } // namespace
 
 int x_get_orphan_argument(std::string &out, const char *, int argc, const char *const *argv)
@@ -75,6 +78,19 @@ int x_get_config_path(std::string &out)
     }
     std::fprintf(stderr, "TAV error: unable to create config directory %s\n", path.c_str());
     return -1;
+}
+
+void start_append_path(const std::string &executable)
+{
+    std::string folder = executable;
+    es_remove_subdirectory(folder);
+    const char *path = std::getenv("PATH");
+    std::string all = path != nullptr && *path != '\0' ? path : "/usr/bin:/bin";
+    for (const char *programs : sProgramFolders)
+        if (fs_path_is_directory((folder + programs).c_str()) > 0)
+            all += ":" + folder + programs;
+    all += ":" + folder;
+    setenv("PATH", all.c_str(), 1);
 }
 
 } // namespace tav

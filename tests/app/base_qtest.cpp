@@ -19,8 +19,7 @@
 
 namespace tav {
 
-class BaseTest : public QObject
-{
+class BaseTest : public QObject {
     Q_OBJECT
 
     std::unique_ptr<TestDir> m_dir;
@@ -67,7 +66,7 @@ class BaseTest : public QObject
         return record;
     }
 
-  private Q_SLOTS:
+private Q_SLOTS:
     void initTestCase() { ui_gate_open(); }
     void init()
     {
@@ -83,7 +82,8 @@ class BaseTest : public QObject
     void theWindowOpensTheStartDirectoryWithTheListFocused()
     {
         start();
-        QCOMPARE(QString::fromStdString(gDir.path), QString::fromStdString(m_dir->path() + "/shown"));
+        QCOMPARE(QString::fromStdString(gDir.path),
+                 QString::fromStdString(m_dir->path() + "/shown"));
         QCOMPARE(gDir.count, 1);
         QTRY_COMPARE(QApplication::focusWidget(), static_cast<QWidget *>(fl_view()));
     }
@@ -163,7 +163,8 @@ class BaseTest : public QObject
         record.key_timeout = -7;
         write(record);
         start();
-        QVERIFY(gBase->width() >= 100 && gBase->width() <= gBase->screen()->availableSize().width());
+        QVERIFY(gBase->width() >= 100 &&
+                gBase->width() <= gBase->screen()->availableSize().width());
         QVERIFY(gBase->height() >= 100);
         QVERIFY(fl_get_column_width(1) > 0);
         finish();

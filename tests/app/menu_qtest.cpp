@@ -56,15 +56,14 @@ QStringList x_texts(const QMenu *menu)
 
 } // namespace
 
-class MenuTest : public QObject
-{
+class MenuTest : public QObject {
     Q_OBJECT
 
     QMainWindow *m_window = nullptr;
     QLineEdit *m_field = nullptr;
     QMenu *menu() { return m_window->findChild<QMenu *>(QStringLiteral("test_menu")); }
 
-  private Q_SLOTS:
+private Q_SLOTS:
     void init()
     {
         sNew = sOther = sPlain = 0;
@@ -103,11 +102,11 @@ class MenuTest : public QObject
     void rowsStandInOrderAndInTheirLevels()
     {
         Q_EMIT menu()->aboutToShow();
-        QCOMPARE(x_texts(menu()),
-                 QStringList({QStringLiteral("&Sub"), QStringLiteral("&New\tCtrl-N"),
-                              QStringLiteral("-"), QStringLiteral("added 0"),
-                              QStringLiteral("added 1"), QStringLiteral("&Plain\tV"),
-                              QStringLiteral("&Again\tCtrl-N")}));
+        QCOMPARE(
+            x_texts(menu()),
+            QStringList({QStringLiteral("&Sub"), QStringLiteral("&New\tCtrl-N"),
+                         QStringLiteral("-"), QStringLiteral("added 0"), QStringLiteral("added 1"),
+                         QStringLiteral("&Plain\tV"), QStringLiteral("&Again\tCtrl-N")}));
         auto *sub = m_window->findChild<QMenu *>(QStringLiteral("it_sub_menu"));
         QCOMPARE(x_texts(sub), QStringList({QStringLiteral("&Inner\tShift-Ret"),
                                             QStringLiteral("-"), QStringLiteral("T&oggle")}));

@@ -30,9 +30,8 @@ Options parse(const Words &words)
 }
 
 // A working directory of its own that holds a directory "docs" and a file "plain".
-class StartTest : public testing::Test
-{
-  protected:
+class StartTest : public testing::Test {
+protected:
     void SetUp() override
     {
         m_dir.dir("docs");
@@ -76,9 +75,8 @@ TEST_F(StartTest, AWorkingDirectoryThatIsGoneStartsAtTheRoot)
 }
 
 // Each test has a home of its own.
-class ConfigPathTest : public StartTest
-{
-  protected:
+class ConfigPathTest : public StartTest {
+protected:
     void SetUp() override
     {
         StartTest::SetUp();
@@ -142,6 +140,17 @@ TEST_F(ConfigPathTest, ARelativeHomeIsMadeAbsolute)
     EXPECT_EQ(find(), m_home + "/.ph/tav");
 }
 
+TEST_F(StartTest, TheProgramsThatComeAlongAreLookedForLast)
+{
+    m_dir.dir("bin");
+    m_dir.dir("libexec/tav");
+    setenv("PATH", "/usr/bin", 1);
+    start_append_path(m_dir.path() + "/bin/tav");
+    EXPECT_STREQ(
+        getenv("PATH"),
+        ("/usr/bin:" + m_dir.path() + "/bin/../libexec/tav:" + m_dir.path() + "/bin").c_str());
+}
+
 TEST(OptionsTest, ValuesStandInTheSameWordOrInTheNext)
 {
     const Options one = parse({"tav", "-x10", "-y-5", "-h200", "-w300", "-Sm"});
@@ -177,11 +186,13 @@ TEST(OptionsTest, HelpShowsTheUsageTextWithTheProgramsName)
     const std::string text = options_usage("tav");
     EXPECT_EQ(text.find("%C"), std::string::npos);
     EXPECT_EQ(text.substr(0, text.find('\n')), "tav - This is a QNX/Photon Application.");
-    EXPECT_NE(text.find("\n  -S i|m|n    Initial window state: i=iconified, m=maximized, n=normal\n"),
-              std::string::npos);
-    EXPECT_NE(text.find("\ntav -x10 -y10 -h200 -w300\n  Run at initial position 10,10 with initial \n"
-                        "  dimension of 200x300.\n"),
-              std::string::npos);
+    EXPECT_NE(
+        text.find("\n  -S i|m|n    Initial window state: i=iconified, m=maximized, n=normal\n"),
+        std::string::npos);
+    EXPECT_NE(
+        text.find("\ntav -x10 -y10 -h200 -w300\n  Run at initial position 10,10 with initial \n"
+                  "  dimension of 200x300.\n"),
+        std::string::npos);
 }
 
 TEST(OptionsTest, AServerIsADisplay)
