@@ -2,16 +2,24 @@
 // here.
 #include "app/base.h"
 
+#include "app/ac.h"
 #include "app/cl.h"
-#include "app/init.h"
+#include "app/interp.h"
 #include "app/menu.h"
 #include "app/start.h"
+#include "commands/fm.h"
+#include "commands/misc_ui.h"
 #include "platform/combo.h"
 #include "platform/lengths.h"
 #include "platform/shown.h"
 #include "platform/w.h"
 #include "ui_base.h"
 #include "views/fl.h"
+#include "views/fl_view.h"
+#include "views/status.h"
+#include "views/tb.h"
+#include "views/tree.h"
+#include "views/tree_hotlist.h"
 
 #include <QAbstractSpinBox>
 #include <QApplication>
@@ -30,8 +38,28 @@ namespace {
 
 bool sLeft = false; // base_closing has run; once is enough
 
+void x_show_hotlist_menu(const QPoint &global)
+{
+    QMenu *menu = menu_create(gHotlistMenu, gBase, false);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->popup(global);
+}
+
 // Everything that a lower floor asks of a higher one.
-void x_fill_hooks() {}
+void x_fill_hooks()
+{
+    gFlHooks.key = interp_key;
+    gFlHooks.key_echo = interp_echo;
+    gFlHooks.key_clear = interp_clear;
+    gFlHooks.key_active = interp_active;
+    gFlHooks.open = [] { fm_open(gBase); };
+    gFlHooks.run_open = fm_run_open;
+    gFlHooks.has_open = fm_has_open;
+    gFlHooks.run_program = fm_run_program;
+    gFlHooks.status_update = status_bar_update;
+    gTbHooks.terminal = fm_open_pterm;
+    gTreeHooks.context_menu = x_show_hotlist_menu;
+}
 
 void x_show(const Options &options)
 {
@@ -52,8 +80,6 @@ void x_show(const Options &options)
 void x_fill_box(const char *name, ClHistory *history)
 {
     auto *box = w_find<QComboBox>(name);
-    if (box == nullptr)
-        return;
     const ClBox view = combo_box(box);
     cl_apply(history, view);
     cl_text_select(view, 1);
@@ -63,14 +89,21 @@ void x_fill_box(const char *name, ClHistory *history)
 
 void x_setup_before()
 {
+    tb_setup();
+    tb_load_shown(gConfigPath);
     x_fill_box("tb_filespec", gSpecList);
     fl_setspec(cl_get(gSpecList, 1));
     w_find("hotlist_panel")->setMinimumSize(lengths_to_pixels(96), lengths_to_pixels(100));
     w_find("filelist_panel")->setMinimumSize(lengths_to_pixels(120), lengths_to_pixels(100));
+    tree_setup();
+    tree_load(tree_view(), gConfigPath, "hotlist.001");
     x_fill_box("tb_curpath", gPathList);
     fl_setup();
     fl_set_notify_cb(base_update);
     base_set_divider_metrics(*gConfig);
+    init_actions();
+    init_kb_defaults();
+    ac_link_widget(fl_view(), "filelist");
 }
 
 // The window goes now, or hides until the last job is done.
@@ -111,6 +144,9 @@ bool BaseWindow::eventFilter(QObject *watched, QEvent *event)
 
 void base_update()
 {
+    status_bar_update();
+    tb_curpath_set_text(gDir.path.c_str());
+    tb_update();
     const QWidget *focus = QApplication::focusWidget();
     if (!(fl_is_outside() && x_is_text_field(focus)))
         wfocus(w_find("filelist"));
@@ -125,6 +161,7 @@ void base_create(const Options &options)
     form.setupUi(static_cast<QMainWindow *>(gBase));
     menu_build_bar(form.menubar, gMenuBar, gBase);
     x_fill_hooks();
+    misc_ui_setup();
     base_setup(BaseReason::before_realize);
     base_opening();
     x_show(options);
@@ -158,6 +195,7 @@ int base_closing()
     }
     init_save_cboxs(gConfigPath);
     init_destroy_cboxs();
+    tree_save(tree_view(), gConfigPath, "hotlist.001");
     base_window_closed = 1;
     return W_CONTINUE;
 }

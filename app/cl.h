@@ -1,5 +1,5 @@
-// Input histories: what was typed into a combo box, most recent first, at most 20 texts each, kept in
-// small text files. Main thread only.
+// Input histories: what was typed into a combo box, most recent first, at most 20 texts each, kept
+// in small text files. Main thread only.
 #pragma once
 
 #include <string>
@@ -32,7 +32,8 @@ extern ClHistory *gWithList;    // "with.001", never written
 extern ClHistory *gCopyList;    // "copy.001", never written
 extern ClHistory *gPatternList; // "pattern.001"
 
-// The history in dir/name, empty when it cannot be read or either is null. Never null; cl_destroy frees.
+// The history in dir/name, empty when it cannot be read or either is null. Never null; cl_destroy
+// frees.
 ClHistory *cl_read(const char *dir, const char *name);
 
 // Replaces dir/name by the history. Says nothing when that fails.

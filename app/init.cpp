@@ -5,17 +5,26 @@
 #include "app/cl.h"
 #include "app/config.h"
 #include "app/start.h"
+#include "commands/as.h"
 #include "platform/signals.h"
 #include "platform/w.h"
 #include "views/fl.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <string>
 #include <unistd.h>
 
 namespace tav {
 
 namespace {
+
+// What cannot be started with: a box, then the end with status 1.
+void x_fatal(const char *message)
+{
+    wreport(nullptr, "Error", "%s", message);
+    std::exit(EXIT_FAILURE);
+}
 
 void x_install_signals()
 {
@@ -35,11 +44,11 @@ int init(int argc, const char *const *argv)
     gConfigPath = x_get_config_path(sConfigPath) == 0 ? sConfigPath.c_str() : nullptr;
     gConfig = x_read_config(gConfigPath, "config.003");
     init_read_cboxs(gConfigPath);
+    gAsFatal = x_fatal;
     init_read_associations(gConfigPath, "associate.003");
+    x_install_signals();
     return 0;
 }
-
-void init_read_associations(const char *, const char *) { x_install_signals(); }
 
 void signal_refresh()
 {

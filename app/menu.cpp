@@ -157,10 +157,4 @@ void menu_build_bar(QMenuBar *bar, const MenuTable *tables, QWidget *window)
         bar->addMenu(menu_create(*table, window, true));
 }
 
-void menu_set_enabled(QMenu *menu, const char *name, bool enabled)
-{
-    if (auto *action = menu->findChild<QAction *>(QLatin1String(name)))
-        action->setEnabled(enabled);
-}
-
 } // namespace tav

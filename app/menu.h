@@ -82,9 +82,6 @@ QMenu *menu_create(const MenuTable &table, QWidget *window, bool keys);
 // Puts one menu per table (up to one with a null name) into the bar.
 void menu_build_bar(QMenuBar *bar, const MenuTable *tables, QWidget *window);
 
-// Enables or dims the item of that name; nothing when there is none.
-void menu_set_enabled(QMenu *menu, const char *name, bool enabled);
-
 // The tables of the program, app/menu_tables.cpp; gMenuBar ends with a null name.
 extern const MenuTable gMenuBar[];
 extern const MenuTable gListMenu;    // context menu of the file list

@@ -2,8 +2,13 @@
 #include "app/base.h"
 #include "app/menu.h"
 #include "commands/em_select.h"
+#include "commands/fm.h"
 #include "commands/fm_refresh.h"
 #include "platform/w.h"
+#include "views/gm.h"
+#include "views/hm.h"
+#include "views/tree.h"
+#include "views/vm.h"
 
 namespace tav {
 
@@ -16,7 +21,21 @@ int fm_exit(QWidget *)
 }
 
 constexpr MenuRow sFileMenu[] = {
+    menu_submenu(1, "fm_new", "&New"),
+    menu_command(2, "fm_new_window", "&Window", fm_new_window, MENU_CTRL, "N"),
+    menu_line(1),
+    menu_command(1, "fm_open", "&Open", fm_open, 0, "Ret"),
+    menu_command(1, "fm_open_another", "Open In Win&dow", fm_open_another, MENU_CTRL, "Ret"),
+    menu_command(1, "fm_view", "&View", fm_view, 0, "V"),
+    menu_command(1, "fm_edit", "&Edit", fm_edit, MENU_CTRL, "E"),
+    menu_command(1, "fm_open_with", "Open &With...", fm_open_with, MENU_SHIFT, "Ret"),
+    menu_line(1),
+    menu_command(1, "fm_open_pterm", "Open &Terminal", fm_open_pterm, MENU_CTRL, "T"),
+    menu_line(1),
     menu_command(1, "fm_refresh", "&Refresh", fm_refresh, 0, "F5"),
+    menu_line(1),
+    menu_command(1, "fm_print", "&Print", fm_print, MENU_CTRL, "P"),
+    menu_command(1, "fm_print_directory", "Print Dire&ctory", nullptr),
     menu_line(1),
     menu_command(1, "fm_exit", "E&xit", fm_exit, MENU_ALT, "X"),
     MENU_END,
@@ -31,12 +50,58 @@ constexpr MenuRow sEditMenu[] = {
     MENU_END,
 };
 
+constexpr MenuRow sViewMenu[] = {
+    menu_submenu(1, "vm_toolbar", "Toolbars"),
+    menu_toggle(2, "vm_nav_tb", "&Navigation", vm_nav_tb_toggle),
+    menu_toggle(2, "vm_clip_tb", "&Clipboard", vm_clip_tb_toggle),
+    menu_toggle(2, "vm_misc_tb", "&Misc", vm_misc_tb_toggle),
+    menu_toggle(2, "vm_hotlist_tb", "&Hotlist", vm_hotlist_tb_toggle),
+    menu_toggle(2, "vm_path_tb", "&Path", vm_path_tb_toggle),
+    menu_toggle(2, "vm_filter_tb", "&Filter", vm_filter_tb_toggle),
+    menu_line(2),
+    menu_command(2, "vm_text_and_images", "Text &and Images", vm_text_and_images),
+    menu_command(2, "vm_text_only", "&Text Only", vm_text_only),
+    menu_command(2, "vm_images_only", "&Images Only", vm_images_only),
+    menu_toggle(1, "vm_icon", "&Icon Pane", vm_icon_toggle),
+    menu_toggle(1, "vm_hotlist", "&Hotlist Pane", vm_hotlist_toggle),
+    menu_toggle(1, "vm_status", "&Status Pane", vm_status_toggle),
+    MENU_END,
+};
+
+constexpr MenuRow sGoMenu[] = {
+    menu_command(1, "gm_back", "Back", gm_back, MENU_ALT, "<-"),
+    menu_command(1, "gm_forward", "Forward", gm_forward, MENU_ALT, "->"),
+    menu_command(1, "gm_up", "Up One Level", gm_up, 0, "Bksp"),
+    menu_command(1, "gm_home", "Home", gm_home, 0, "F6"),
+    MENU_END,
+};
+
+constexpr MenuRow sHotlistMenu[] = {
+    menu_command(1, "hm_add", "&Add Current Directory", hm_add, MENU_CTRL, "D"),
+    menu_command(1, "hm_delete", "&Remove Current Directory", hm_remove, MENU_CTRL, "R"),
+    menu_function(1, "hm_populate", hm_populate),
+    MENU_END,
+};
+
+constexpr MenuRow sHotlistContext[] = {
+    menu_command(1, "hcm_add", "Add", tree_add_cb, MENU_CTRL, "D"),
+    menu_command(1, "hcm_delete", "Remove", tree_delete_cb, MENU_CTRL, "R"),
+    menu_line(1),
+    menu_command(1, "hcm_sort", "Sort", hm_sort),
+    MENU_END,
+};
+
 } // namespace
 
 const MenuTable gMenuBar[] = {
-    {"file_menu", "&File", sFileMenu, nullptr},
+    {"file_menu", "&File", sFileMenu, fm_setup},
     {"edit_menu", "&Edit", sEditMenu, nullptr},
+    {"view_menu", "&View", sViewMenu, vm_setup},
+    {"go_menu", "&Go", sGoMenu, gm_setup},
+    {"hotlist_menu", "&Hotlist", sHotlistMenu, hm_setup},
     {nullptr, nullptr, nullptr, nullptr},
 };
+
+const MenuTable gHotlistMenu = {"hotlist_cmenu", "", sHotlistContext, nullptr};
 
 } // namespace tav

@@ -2,6 +2,7 @@
 #include "app/menu.h"
 
 #include "platform/w.h"
+#include "views/menu_item.h"
 
 #include <QLineEdit>
 #include <QMainWindow>
@@ -26,7 +27,7 @@ void x_populate(QMenu *menu, QAction *before)
 
 int x_setup(QMenu *menu)
 {
-    menu_set_enabled(menu, "it_new", false);
+    menu_item_enable(menu, "it_new", false);
     return W_CONTINUE;
 }
 
