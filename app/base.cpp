@@ -147,6 +147,7 @@ void base_update()
     status_bar_update();
     tb_curpath_set_text(gDir.path.c_str());
     tb_update();
+    gBase->setWindowTitle(shown_text(gDir.path) + QStringLiteral(" - TAV"));
     const QWidget *focus = QApplication::focusWidget();
     if (!(fl_is_outside() && x_is_text_field(focus)))
         wfocus(w_find("filelist"));

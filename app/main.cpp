@@ -4,6 +4,8 @@
 #include "app/init.h"
 #include "app/options.h"
 #include "app/start.h"
+#include "platform/res.h"
+#include "platform/scheme.h"
 #include "platform/ui_gate.h"
 
 #include <QApplication>
@@ -79,7 +81,9 @@ int main(int argc, char **argv)
     QApplication::setQuitOnLastWindowClosed(false);
     x_set_locale();
     start_append_path(QCoreApplication::applicationFilePath().toLocal8Bit().toStdString());
+    QApplication::setWindowIcon(res_image("tav"));
     ui_gate_open();
+    scheme_follow_desktop();
 
     init(argc, argv);
     base_create(options);
