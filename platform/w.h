@@ -64,7 +64,8 @@ struct WQuestion {
     int on_return = 1;
     int on_close = 1;
 };
-void wquestion(QWidget *parent, const WQuestion &question, std::function<void(int)> answered);
+// Returns the box, which deletes itself when it is closed.
+QWidget *wquestion(QWidget *parent, const WQuestion &question, std::function<void(int)> answered);
 
 // The same, waiting in a nested loop. Main thread code that cannot go on without the answer.
 int wquestion_wait(QWidget *parent, const WQuestion &question);

@@ -131,13 +131,14 @@ int x_ask(QWidget *parent, const char *title, const QStringList &buttons, const 
 
 } // namespace
 
-void wquestion(QWidget *parent, const WQuestion &question, std::function<void(int)> answered)
+QWidget *wquestion(QWidget *parent, const WQuestion &question, std::function<void(int)> answered)
 {
     auto *box = new Box(x_window(parent), question, std::move(answered));
     box->show();
     wcenter(box->parentWidget(), box);
     box->raise();
     box->activateWindow();
+    return box;
 }
 
 int wquestion_wait(QWidget *parent, const WQuestion &question)

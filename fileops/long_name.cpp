@@ -1,0 +1,81 @@
+// The dialog for a name that is too long: see long_name.h.
+#include "fileops/long_name.h"
+
+#include "platform/shown.h"
+#include "ui_long_filename_dlg.h"
+
+#include <QDialog>
+#include <QPushButton>
+#include <fcntl.h>
+
+namespace tav {
+namespace {
+
+std::string x_last_component(const std::string &path)
+{
+    return path.substr(path.rfind('/') + 1); // npos + 1 is the beginning
+}
+
+// Shows the long name and the proposed one, which gets the keyboard.
+void long_filename_setup(Ui::long_filename_dlg &form, const std::string &source,
+                         const std::string &dest)
+{
+    const std::string oldfile = long_name_cut(x_last_component(source), LONG_NAME_OLD);
+    const std::string newfile = long_name_cut(x_last_component(dest), LONG_NAME_NEW);
+    form.long_filename_oldname->setText(shown_text(oldfile));
+    form.long_filename_oldname->setCursorPosition(0);
+    form.long_filename_newname->setText(shown_text(newfile));
+    form.long_filename_newname->setFocus();
+}
+
+// Takes the entered text. Only a bare name: what it stands in is the shown directory, which this
+// thread alone knows and changes.
+bool long_filename_rename(const QString &text, FopPlace &place)
+{
+    const std::string name = long_name_cut(text.toStdString(), LONG_NAME_NEW);
+    if (name.empty() || name == "." || name == ".." || name.find('/') != std::string::npos)
+        return false;
+    place.dir_fd = ::open(".", O_PATH | O_DIRECTORY | O_CLOEXEC);
+    place.name = name;
+    return place.dir_fd != -1;
+}
+
+} // namespace
+
+std::string long_name_cut(std::string name, size_t limit)
+{
+    if (name.size() <= limit)
+        return name;
+    size_t end = limit;
+    while (end > 0 && limit - end < 3 && (name[end] & 0xC0) == 0x80)
+        end--;
+    if ((name[end] & 0xC0) == 0x80)
+        end = limit; // no UTF-8
+    name.resize(end);
+    return name;
+}
+
+QWidget *long_name_open(const std::string &source, const std::string &dest, FopPlace &place,
+                        std::function<void(bool)> answered)
+{
+    auto *dialog = new QDialog;
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    Ui::long_filename_dlg form;
+    form.setupUi(dialog);
+    dialog->setMinimumWidth(60 * dialog->fontMetrics().averageCharWidth());
+    long_filename_setup(form, source, dest);
+    QObject::connect(form.long_filename_cancel, &QPushButton::clicked, dialog, &QDialog::reject);
+    QObject::connect(form.long_filename_ok, &QPushButton::clicked, dialog,
+                     [dialog, field = form.long_filename_newname, &place] {
+                         const bool renamed = long_filename_rename(field->text(), place);
+                         dialog->done(renamed ? QDialog::Accepted : QDialog::Rejected);
+                     });
+    QObject::connect(dialog, &QDialog::finished, dialog,
+                     [answered](int result) { answered(result == QDialog::Accepted); });
+    dialog->show();
+    dialog->raise();
+    dialog->activateWindow();
+    return dialog;
+}
+
+} // namespace tav

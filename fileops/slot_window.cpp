@@ -1,0 +1,204 @@
+// The window of the slots: see slot_window.h.
+#include "fileops/slot_window.h"
+
+#include "fileops/fop_update.h"
+#include "fileops/slot.h"
+#include "fileops/slot_ask.h"
+#include "platform/shown.h"
+#include "platform/w.h"
+#include "ui_slot.h"
+#include "ui_slots_holder_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QScreen>
+#include <QScrollBar>
+#include <QStyle>
+
+namespace tav {
+namespace {
+
+constexpr int SLOT_LINE_CHARACTERS = 62; // of a from or to line; labels and a shortened path fit in
+
+// Closing it minimises it: the operations go on, and stay within reach.
+class SlotsWindow : public QWidget {
+public:
+    SlotsWindow()
+    {
+        setAttribute(Qt::WA_QuitOnClose, false);
+        setWindowFlag(Qt::Window);
+    }
+
+protected:
+    void closeEvent(QCloseEvent *event) override
+    {
+        event->ignore();
+        showMinimized();
+    }
+};
+
+QWidget *sWindow = nullptr;     // slots_holder_window, null without slots
+QScrollArea *sHolder = nullptr; // its scrolling part
+int sHeight = 0, sWidth = 0;    // of one slot, taken from the first
+int sMaxHeight = 0;             // of the holder: a whole number of slots
+
+void x_make_window()
+{
+    sWindow = new SlotsWindow;
+    Ui::slots_holder_window form;
+    form.setupUi(sWindow);
+    sHolder = form.slots_holder;
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    sMaxHeight = (screen ? screen->availableGeometry().height() : 600) - SLOT_SCREEN_REST;
+    sHeight = 0;
+    wtimer_attach(sWindow, SLOT_TIMER_MS, [](QObject *) { slot_timer(); });
+}
+
+// A line of a slot keeps its room whatever it says; what does not fit is cut in the middle.
+void x_set_line(QLabel *label, const std::string &text)
+{
+    const QString full = shown_text(text);
+    const QString shown = shown_text(shrink_name(text, FOP_NAME_SHOWN));
+    label->setText(label->fontMetrics().elidedText(shown, Qt::ElideMiddle, label->width()));
+    label->setToolTip(full == label->text() ? QString() : full.toHtmlEscaped());
+    label->setAccessibleDescription(full);
+}
+
+void x_fill(Ui::slot &form, SlotWidgets &slot, QWidget *pane)
+{
+    slot = {form.slot_progress_bar, form.slot_header_text, form.slot_time_text, form.slot_from_text,
+            form.slot_to_text,      form.slot_n_text,      form.cancel_button,  pane};
+}
+
+void x_set_up(Ui::slot &form, QWidget *pane)
+{
+    QFont bold = form.slot_header_text->font();
+    bold.setBold(true);
+    form.slot_header_text->setFont(bold);
+    const int line = SLOT_LINE_CHARACTERS * pane->fontMetrics().averageCharWidth();
+    for (QLabel *label : {form.slot_from_text, form.slot_to_text}) {
+        label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+        label->setMinimumWidth(line);
+        label->setText(QStringLiteral(" "));
+    }
+    QSizePolicy policy = form.slot_answer->sizePolicy();
+    policy.setRetainSizeWhenHidden(true); // a question must not change the size of its slot
+    form.slot_answer->setSizePolicy(policy);
+    form.slot_answer->hide();
+    QObject::connect(form.slot_pause, &QPushButton::toggled, pane,
+                     [button = form.slot_pause] { slot_pause_cb(button); });
+    QObject::connect(form.cancel_button, &QPushButton::clicked, pane,
+                     [button = form.cancel_button] { slot_cancel_cb(button); });
+    QObject::connect(form.slot_answer, &QPushButton::clicked, pane,
+                     [pane] { slot_ask_show(pane); });
+}
+
+// Sizes come from the first slot: how high one is, and how many a screen takes.
+void x_measure(QWidget *pane)
+{
+    sHeight = pane->sizeHint().height();
+    sWidth = std::min(pane->sizeHint().width(), SLOT_MAX_WIDTH);
+    sMaxHeight = std::max(sMaxHeight / sHeight, 1) * sHeight;
+    sHolder->verticalScrollBar()->setSingleStep(sHeight);
+}
+
+} // namespace
+
+bool slot_take_progress(FileOp &job, SlotShown &shown)
+{
+    FopProgress &progress = job.progress;
+    const int64_t n_done = progress.n_done, n_items = progress.n_items;
+    const bool asking = progress.asking;
+    std::lock_guard hold(progress.lock);
+    if (progress.changes == shown.changes && n_done == shown.n_done && n_items == shown.n_items &&
+        asking == shown.asking)
+        return false;
+    const bool recent =
+        shown.since_redraw.isValid() && shown.since_redraw.elapsed() < SLOT_REDRAW_MS;
+    if (recent && !progress.at_once && asking == shown.asking)
+        return false;
+    progress.at_once = false;
+    shown.title = progress.title;
+    shown.from = progress.from;
+    shown.to = progress.to;
+    shown.percent = progress.percent;
+    shown.seconds = progress.seconds;
+    shown.changes = progress.changes;
+    shown.n_done = n_done;
+    shown.n_items = n_items;
+    shown.asking = asking;
+    shown.since_redraw.start();
+    return true;
+}
+
+void slot_show(const SlotWidgets &widgets, const SlotShown &shown)
+{
+    auto label = [](void *widget) { return static_cast<QLabel *>(widget); };
+    label(widgets.slot_header_text)->setText(shown_text(shown.title));
+    x_set_line(label(widgets.slot_from_text), shown.from);
+    x_set_line(label(widgets.slot_to_text), shown.to);
+    label(widgets.slot_n_text)
+        ->setText(QString::fromStdString(fop_count_text(shown.n_done, shown.n_items)));
+    label(widgets.slot_time_text)->setText(QString::fromStdString(fop_time_text(shown.seconds)));
+    static_cast<QProgressBar *>(widgets.slot_progress_bar)->setValue(shown.percent);
+    auto *pane = static_cast<QWidget *>(widgets.slot);
+    pane->findChild<QWidget *>(QStringLiteral("slot_answer"))->setVisible(shown.asking);
+}
+
+bool slot_window_add(SlotWidgets &slot)
+{
+    const bool first = !sWindow;
+    if (first)
+        x_make_window();
+    auto *pane = new QFrame(sHolder->widget());
+    Ui::slot form;
+    form.setupUi(pane);
+    x_set_up(form, pane);
+    x_fill(form, slot, pane);
+    auto *list = static_cast<QVBoxLayout *>(sHolder->widget()->layout());
+    list->insertWidget(0, pane);
+    if (sHeight == 0)
+        x_measure(pane);
+    pane->setFixedHeight(sHeight);
+    pane->show();
+    if (first)
+        sWindow->show();
+    return true;
+}
+
+void slot_window_remove(const SlotWidgets &slot)
+{
+    auto *pane = static_cast<QWidget *>(slot.slot);
+    sHolder->widget()->layout()->removeWidget(pane);
+    pane->hide();
+    pane->deleteLater();
+    if (sHolder->widget()->layout()->count() > 1)
+        return;
+    sWindow->hide();
+    wtimer_detach(sWindow);
+    sWindow->deleteLater(); // this runs in its timer
+    sWindow = nullptr;
+    sHolder = nullptr;
+}
+
+void slot_window_resize(int count)
+{
+    if (!sHolder)
+        return;
+    const int bar =
+        std::max(SLOT_SCROLL_BAR, sHolder->style()->pixelMetric(QStyle::PM_ScrollBarExtent));
+    const int wanted = count * sHeight;
+    const bool scrolls = wanted > sMaxHeight;
+    const QSize size(sWidth + (scrolls ? bar : 0), scrolls ? sMaxHeight : wanted);
+    sHolder->setMinimumSize(size.width(), std::min(sHeight, size.height()));
+    sHolder->setMaximumHeight(size.height());
+    sWindow->resize(std::max(sWindow->width(), size.width()), size.height());
+}
+
+void slot_window_centre(QWidget *box)
+{
+    if (sWindow && box)
+        wcenter(sWindow, box);
+}
+
+} // namespace tav
