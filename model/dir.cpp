@@ -7,10 +7,10 @@
 #include "model/es.h"
 
 #include <cerrno>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
@@ -22,14 +22,13 @@ namespace tav {
 
 DirListing gDir = {{}, {}, false, {}, 0, 0, 0, 0, 0, DIR_PARENT, 0};
 DirHooks gDirHooks = {};
-DirCalls gDirCalls = {::getdents64, ::fstatat, ::readlinkat};
 uint64_t gDirAllocated = 0;
 
 namespace {
 
 constexpr size_t GROW_BY = 128;            // slots
 constexpr size_t BUFFER_SIZE = 256 * 1024; // bytes of names that one call delivers
-constexpr auto EVENTS_EVERY = std::chrono::milliseconds(4);
+constexpr int64_t EVENTS_EVERY = 4;        // milliseconds
 
 int sReadCount = 0; // entries listed so far by the read that is shown
 
@@ -39,10 +38,17 @@ struct Reading {
     int fd;
     EsPattern filter;
     bool hide_dot;
-    DirEntry *in_hand; // the entry left over from a skipped name, or null
-    DirSeen seen;      // the names listed so far
-    std::chrono::steady_clock::time_point events_due;
+    DirEntry *in_hand;  // the entry left over from a skipped name, or null
+    DirSeen seen;       // the names listed so far
+    int64_t events_due; // by gDirCalls.clock
 };
+
+int64_t x_clock()
+{
+    timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return int64_t(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
+}
 
 void x_show_progress()
 {
@@ -199,11 +205,10 @@ bool x_events(Reading &reading)
 {
     if (!gDirHooks.pending)
         return true;
-    auto now = std::chrono::steady_clock::now();
-    if (now < reading.events_due)
+    if (gDirCalls.clock() < reading.events_due)
         return true;
     bool go_on = gDirHooks.pending();
-    reading.events_due = std::chrono::steady_clock::now() + EVENTS_EVERY;
+    reading.events_due = gDirCalls.clock() + EVENTS_EVERY;
     return go_on;
 }
 
@@ -243,6 +248,8 @@ int x_enter(const DirListing &listing)
 
 } // namespace
 
+DirCalls gDirCalls = {::getdents64, ::fstatat, ::readlinkat, x_clock};
+
 int dir_read(DirListing &listing, DirCompare compare, int ascending)
 {
     if (gDirHooks.status)
@@ -254,7 +261,7 @@ int dir_read(DirListing &listing, DirCompare compare, int ascending)
     if (fd < 0)
         return -1; // the progress goes on, meant so: the next read takes it over
     bool hide_dot = gConfig->flags & CONFIG_HIDE_DOT;
-    auto due = std::chrono::steady_clock::now() + EVENTS_EVERY;
+    int64_t due = gDirCalls.clock() + EVENTS_EVERY;
     Reading reading = {listing, fd, es_pattern_prepare(listing.filespec.c_str()), hide_dot, nullptr,
                        {},      due};
     x_read_names(reading);

@@ -59,11 +59,12 @@ struct DirHooks {
 };
 extern DirHooks gDirHooks;
 
-// The system calls of a read; tests put tables of their own here.
+// The system calls of a read, and its clock; tests put others in their place.
 struct DirCalls {
     ssize_t (*getdents)(int fd, void *buffer, size_t size);                  // as getdents64
     int (*status)(int fd, const char *name, struct stat *status, int flags); // as fstatat
     ssize_t (*link)(int fd, const char *name, char *buffer, size_t size);    // as readlinkat
+    int64_t (*clock)(); // milliseconds, never going back
 };
 extern DirCalls gDirCalls;
 

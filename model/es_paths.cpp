@@ -10,9 +10,8 @@ int es_construct_fullpath(std::string &dst, const char *dir, const char *name)
         path += '/';
     if (name)
         path += name;
-    if (dir && name)
-        while (path.size() > 2 && path.back() == '/')
-            path.pop_back();
+    while (path.size() > 2 && path.back() == '/')
+        path.pop_back();
     dst = std::move(path);
     return static_cast<int>(dst.size());
 }

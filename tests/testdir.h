@@ -12,9 +12,11 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <functional>
+#include <grp.h>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
@@ -57,6 +59,25 @@ inline bool test_wait(const std::function<bool()> &condition, int limit = 5000)
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
     return true;
+}
+
+// Runs f as an ordinary user, in a child where that needs one (root may read and write everything).
+// What f returns, 0 to 100; 101 when it could not be run. Assert on the result, not inside f.
+inline int test_as_ordinary_user(const std::function<int()> &f)
+{
+    if (geteuid() != 0)
+        return f();
+    constexpr unsigned NOBODY = 65534;
+    pid_t child = fork();
+    if (child == 0) {
+        if (setgroups(0, nullptr) != 0 || setgid(NOBODY) != 0 || setuid(NOBODY) != 0)
+            _exit(101);
+        _exit(f());
+    }
+    int status = 0;
+    if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status))
+        return 101;
+    return WEXITSTATUS(status);
 }
 
 // A directory under TMPDIR (or /tmp), gone with the object; the working directory is put back too.
