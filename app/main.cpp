@@ -13,6 +13,7 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -23,10 +24,14 @@ namespace {
 
 constexpr const char *sVersion = "tav 1.13";
 
-// Without a display the toolkit would dump core; a sentence serves the user better.
+// Without a display the toolkit would say much and dump core; its first sentence serves the user
+// better.
 void x_fatal_message(QtMsgType type, const QMessageLogContext &, const QString &text)
 {
-    std::fprintf(stderr, "tav: %s\n", qUtf8Printable(text));
+    static bool sTold = false;
+    if (!sTold)
+        std::fprintf(stderr, "tav: %s\n", qUtf8Printable(text.section(QLatin1Char('\n'), 0, 0)));
+    sTold = true;
     if (type == QtFatalMsg)
         _exit(EXIT_FAILURE);
 }
@@ -66,7 +71,7 @@ void x_connect_display(const Options &options)
 int main(int argc, char **argv)
 {
     const Options options = options_parse(argc, argv);
-    if (x_answer(options, argc > 0 ? argv[0] : "tav"))
+    if (x_answer(options, argc > 0 ? basename(argv[0]) : "tav"))
         return EXIT_SUCCESS;
     x_connect_display(options);
 
