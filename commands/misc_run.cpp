@@ -2,6 +2,7 @@
 // it wants a terminal is killed and started again in one.
 #include "commands/misc.h"
 #include "commands/quote.h"
+#include "commands/quote_scan.h"
 
 #include "model/dir.h"
 #include "platform/child.h"
@@ -98,6 +99,18 @@ pid_t x_start(const std::string &program, std::vector<std::string> argv)
     return child_start(start);
 }
 
+// Whether a further shell would make something else of a command line than its arguments.
+bool x_needs_care(std::string command)
+{
+    if (command.find_first_of(std::string_view("\\`\0", 3)) != command.npos)
+        return true;
+    if (command.starts_with(QUOTE_WRAPPER))
+        return command.find('$') != command.npos &&
+               (!gDir.has_path || !quote_is_plain_word(gDir.path));
+    std::erase(command, '"');
+    return !quote_is_plain(command);
+}
+
 void x_restart_in_terminal(const Watch &watch)
 {
     kill(watch.pid, SIGKILL);
@@ -168,10 +181,8 @@ int misc_tick()
 
 std::string misc_terminal_text(const std::string &command, const char *extra)
 {
-    bool special = command.find_first_of(std::string_view("\\`\0", 3)) != command.npos;
-    bool expands =
-        command.find('$') != command.npos && (!gDir.has_path || !quote_is_plain_word(gDir.path));
-    return "pterm " + quote_again(command, special || expands) + " " + (extra ? extra : "") + " &";
+    return "pterm " + quote_again(command, x_needs_care(command)) + " " + (extra ? extra : "") +
+           " &";
 }
 
 } // namespace tav

@@ -97,9 +97,13 @@ void x_put(std::string &out, char byte, QuotePlace place)
 std::string_view x_joint(QuotePlace place)
 {
     static const char sDouble[] = {QUOTE_MARK, ' ', QUOTE_MARK};
+    static const char sText[] = {'\\', QUOTE_MARK, ' ', '\\', QUOTE_MARK};
     switch (place) {
     case QuotePlace::Double:
+    case QuotePlace::SingleText:
         return {sDouble, sizeof sDouble};
+    case QuotePlace::DoubleText:
+        return {sText, sizeof sText};
     case QuotePlace::Single:
         return "' '";
     case QuotePlace::DirectQuoted:
@@ -129,26 +133,91 @@ std::string x_mark_by_neighbours(std::string_view command)
     return out;
 }
 
-// Marks where nothing quotes the placeholder; where no shell takes quotes away, single ones go.
+bool x_is_quote(std::string_view text, size_t position)
+{
+    return x_is_beside(text, position, '"') || x_is_beside(text, position, QUOTE_MARK);
+}
+
+// Whether the quotes around a position hold more than a word: maybe commands of a further shell.
+bool x_is_text(std::string_view command, size_t position, size_t depth)
+{
+    QuoteScan scan(command);
+    bool blank = false;
+    for (size_t i = 0; i < command.size(); i++) {
+        scan.feed(command[i]);
+        if (i >= position && scan.depth() < depth)
+            break;
+        blank = scan.depth() >= depth && (blank || command[i] == ' ' || command[i] == '\n');
+    }
+    return blank;
+}
+
+// The kind of place at a marker that stands in the shell's quotes, by what is beside it.
+QuotePlace x_place(const QuoteScan &scan, std::string_view command, size_t i)
+{
+    const QuotePlace place = scan.place();
+    if (i == 0 || !x_is_quote(command, i - 1))
+        return place;
+    if (place == QuotePlace::Single)
+        return QuotePlace::SingleText;
+    if (place == QuotePlace::Double && x_is_beside(command, i - 2, '\\'))
+        return QuotePlace::DoubleText;
+    return place;
+}
+
+// What has to stand on both sides of the placeholder.
+std::string x_mark_at(const QuoteScan &scan, std::string_view command, size_t i)
+{
+    const QuotePlace place = x_place(scan, command, i);
+    if (place == QuotePlace::Bare)
+        return {QUOTE_MARK};
+    const bool quoted = i > 0 && (command[i - 1] == '\'' || x_is_quote(command, i - 1));
+    const bool further = (place == QuotePlace::Single || place == QuotePlace::Double) && !quoted &&
+                         x_is_text(command, i, scan.depth());
+    if (!further)
+        return {};
+    return place == QuotePlace::Single ? std::string{QUOTE_MARK} : std::string{'\\', QUOTE_MARK};
+}
+
+// Marks by the quoting the placeholder stands in; where no shell takes single quotes away, they go.
 std::string x_mark_by_quoting(std::string_view command)
 {
     std::string out;
     QuoteScan scan(command);
     for (size_t i = 0; i < command.size(); i++) {
-        char byte = command[i];
-        QuotePlace place = scan.place();
-        bool bare = byte == '@' && place == QuotePlace::Bare;
-        bool single = byte == '@' && place == QuotePlace::Direct && out.ends_with('\'') &&
-                      x_is_beside(command, i + 1, '\'');
-        if (byte == '@' && place != QuotePlace::Direct && scan.escaped())
+        const bool placed = command[i] == '@';
+        const bool direct = placed && scan.place() == QuotePlace::Direct;
+        const bool single = direct && out.ends_with('\'') && x_is_beside(command, i + 1, '\'');
+        if (placed && !direct && scan.escaped())
             out += '\n'; // the backslash then takes this, and both are nothing
         if (single)
             out.pop_back();
-        out += bare ? std::string{QUOTE_MARK, byte, QUOTE_MARK} : std::string(1, byte);
-        scan.feed(byte);
+        const std::string mark = placed ? x_mark_at(scan, command, i) : "";
+        out += mark + command[i] + mark;
+        scan.feed(command[i]);
         i += single ? 1 : 0;
     }
     return out;
+}
+
+// A name as it stands between double quotes of shell text.
+std::string x_double(std::string_view name)
+{
+    std::string out;
+    for (const char byte : name) {
+        if (std::strchr("\"$`\\", byte) != nullptr)
+            out += '\\';
+        out += byte;
+    }
+    return out;
+}
+
+// Whether the word of a further shell's text begins at this marker.
+bool x_begins_word(std::string_view command, size_t i)
+{
+    while (i > 0 && (x_is_quote(command, i - 1) || command[i - 1] == '\\'))
+        i--;
+    return i == 0 || std::strchr(" \t\n;&|()'", command[i - 1]) != nullptr;
 }
 
 } // namespace
@@ -178,13 +247,13 @@ std::string quote_wrap(std::string_view command)
 bool quote_needs_care(std::string_view command)
 {
     QuoteScan scan(command);
-    for (char byte : command) {
+    for (size_t i = 0; i < command.size(); i++) {
         QuotePlace place = scan.place();
         bool care = place == QuotePlace::Double || place == QuotePlace::Direct ||
-                    place == QuotePlace::DirectQuoted;
-        if (byte == '@' && care)
+                    place == QuotePlace::DirectQuoted || (i > 0 && x_is_quote(command, i - 1));
+        if (command[i] == '@' && care)
             return true;
-        scan.feed(byte);
+        scan.feed(command[i]);
     }
     return false;
 }
@@ -221,6 +290,12 @@ std::string quote_name(std::string_view name, QuotePlace place, bool first)
 {
     if (place == QuotePlace::Comment)
         return {}; // a newline would end the comment
+    if (place == QuotePlace::SingleText || place == QuotePlace::DoubleText) {
+        const std::string front = first && name.starts_with('-') ? "./" : "";
+        const bool single = place == QuotePlace::SingleText;
+        return quote_name(front + x_double(name), single ? QuotePlace::Single : QuotePlace::Double,
+                          false);
+    }
     std::string out;
     if (place == QuotePlace::Bare)
         out += '\'';
@@ -246,14 +321,16 @@ bool quote_fill(std::string &out, std::string_view command, const std::vector<st
             i += unit;
             continue;
         }
-        QuotePlace place = scan.place();
+        const QuotePlace place = x_place(scan, command, i);
+        const bool text = place == QuotePlace::SingleText || place == QuotePlace::DoubleText;
+        const bool first = text ? x_begins_word(command, i) : scan.at_argument();
         for (size_t k = 0; k < names.size(); k++) {
-            bool plain = quote_is_plain(names[k]);
+            const bool plain = quote_is_plain(names[k]);
             if (place == QuotePlace::Unknown && !plain)
                 return false;
-            bool as_is = plain && place != QuotePlace::Direct && place != QuotePlace::Bare;
+            const bool as_is = plain && place != QuotePlace::Direct && place != QuotePlace::Bare;
             out += k > 0 ? x_joint(place) : "";
-            out += as_is ? names[k] : quote_name(names[k], place, k > 0 || scan.at_argument());
+            out += as_is ? names[k] : quote_name(names[k], place, k > 0 || first);
         }
         scan.feed('x');
         i += unit;

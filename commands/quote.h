@@ -25,8 +25,11 @@ enum class QuotePlace {
     Bare,         // shell text outside quotes
     Single,       // shell text between single quotes
     Double,       // shell text between double quotes
-    Comment,      // shell text that the shell skips
-    Unknown,      // shell text of a kind in which nothing can be escaped reliably
+    SingleText, // between double quotes in a text that is itself between single quotes: a shell's,
+                // maybe
+    DoubleText, // the same between double quotes
+    Comment,    // shell text that the shell skips
+    Unknown,    // shell text of a kind in which nothing can be escaped reliably
 };
 
 // Only letters, digits, blanks, "._-+=:,%/~^" and valid UTF-8 beyond ASCII, and no "-" at the

@@ -72,7 +72,7 @@ void QuoteScan::feed_shell(char byte)
     mDollar = false;
     if (mEscaped) {
         mEscaped = false;
-        mStart = false;
+        mStart = mStart && byte == '\n'; // which the two make vanish
         mWord = true;
         mLess = false;
     } else if (top == '\'') {

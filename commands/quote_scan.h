@@ -14,7 +14,8 @@ public:
     explicit QuoteScan(std::string_view command);
     void feed(char byte);
     QuotePlace place() const;
-    bool escaped() const { return mEscaped; }   // a backslash of the shell's stands right before
+    size_t depth() const { return mNest.size(); } // of open quotes and substitutions
+    bool escaped() const { return mEscaped; }     // a backslash of the shell's stands right before
     bool at_argument() const { return mStart; } // nothing of the argument has been seen but quotes
 
 private:
