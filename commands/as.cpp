@@ -43,9 +43,8 @@ void _add_pat(const char *pattern, const char *open, const char *view, const cha
 
 int _get_pat_idx(const char *file_name)
 {
-    std::string_view name = file_name;
     for (size_t i = 0; i < apat.size(); i++) {
-        if (as_match(apat[i].match, name))
+        if (as_match(apat[i].match, file_name))
             return static_cast<int>(i);
     }
     return -1;

@@ -1,9 +1,6 @@
-// Most patterns are a star and an ending, or a plain name; those need no wildcard matching.
-// Everything else, and every name in which letters beyond ASCII could change their length with
-// their case, goes to es_strcmp.
+// The simple alternatives are compared as bytes; what is left, and every name in which a letter
+// beyond ASCII could have an ASCII one as its other case, is matched as a pattern.
 #include "commands/as_match.h"
-
-#include "model/es.h"
 
 #include <algorithm>
 
@@ -21,19 +18,25 @@ bool x_equal(std::string_view a, std::string_view b, bool fold)
                       [](char x, char y) { return x_lower(x) == x_lower(y); });
 }
 
+bool x_ends(std::string_view name, std::string_view ending, bool fold)
+{
+    return name.size() >= ending.size() &&
+           x_equal(name.substr(name.size() - ending.size()), ending, fold);
+}
+
 bool x_is_ascii(std::string_view text)
 {
     return std::all_of(text.begin(), text.end(), [](char byte) { return byte >= 0; });
 }
 
-AsAlternative x_alternative(std::string_view text, bool fold)
+void x_add(AsMatch &match, std::string_view alternative)
 {
-    bool star = text.starts_with('*');
-    std::string_view literal = text.substr(star ? 1 : 0);
-    bool simple = literal.find_first_of("*?[\\") == literal.npos && x_is_ascii(literal);
-    if (simple)
-        return {star ? AsAlternative::Suffix : AsAlternative::Exact, std::string(literal)};
-    return {AsAlternative::General, (fold ? "^" : "") + std::string(text)};
+    bool star = alternative.starts_with('*');
+    std::string_view text = alternative.substr(star ? 1 : 0);
+    if (text.find_first_of("*?[\\") != text.npos || !x_is_ascii(text))
+        match.simple = false;
+    else
+        (star ? match.endings : match.names).emplace_back(text);
 }
 
 } // namespace
@@ -41,45 +44,33 @@ AsAlternative x_alternative(std::string_view text, bool fold)
 AsMatch as_match_make(std::string_view pattern)
 {
     AsMatch match;
+    match.pattern = es_pattern_prepare(std::string(pattern).c_str());
     match.fold = pattern.starts_with('^');
     if (match.fold)
         pattern.remove_prefix(1);
     for (;;) {
         size_t end = pattern.find('|');
-        match.alternatives.push_back(x_alternative(pattern.substr(0, end), match.fold));
+        x_add(match, pattern.substr(0, end));
         if (end == pattern.npos)
             return match;
         pattern.remove_prefix(end + 1);
     }
 }
 
-bool as_match(const AsMatch &match, std::string_view name)
+bool as_match(const AsMatch &match, const char *name)
 {
-    bool simple_name = x_is_ascii(name);
-    std::string text;
-    for (const AsAlternative &alternative : match.alternatives) {
-        std::string_view wanted = alternative.text;
-        std::string pattern;
-        if (alternative.kind == AsAlternative::General) {
-            pattern = alternative.text;
-        } else if (simple_name) {
-            std::string_view end = name;
-            if (alternative.kind == AsAlternative::Suffix && name.size() > wanted.size())
-                end = name.substr(name.size() - wanted.size());
-            if (end.size() == wanted.size() && x_equal(end, wanted, match.fold))
-                return true;
-            continue;
-        } else {
-            pattern = (match.fold ? "^" : "");
-            pattern += alternative.kind == AsAlternative::Suffix ? "*" : "";
-            pattern += wanted;
-        }
-        if (text.empty())
-            text = name;
-        if (es_strcmp(text.c_str(), pattern.c_str()) == 0)
+    std::string_view text = name;
+    if (!x_is_ascii(text))
+        return es_pattern_matches(match.pattern, name);
+    for (const std::string &ending : match.endings) {
+        if (x_ends(text, ending, match.fold))
             return true;
     }
-    return false;
+    for (const std::string &whole : match.names) {
+        if (x_equal(text, whole, match.fold))
+            return true;
+    }
+    return !match.simple && es_pattern_matches(match.pattern, name);
 }
 
 } // namespace tav

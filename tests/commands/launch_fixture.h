@@ -135,10 +135,15 @@ protected:
         siginfo_t info;
         waitid(P_ALL, 0, &info, WSTOPPED | WEXITED | WNOWAIT);
         misc_tick();
+        wait_for_output();
+        return received();
+    }
+
+    void wait_for_output() const
+    {
         const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
         while (!std::filesystem::exists(out) && std::chrono::steady_clock::now() < limit)
             std::this_thread::yield();
-        return received();
     }
 
     std::string root, bin, out;
