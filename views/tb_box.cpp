@@ -6,6 +6,19 @@
 
 namespace tav {
 
+bool TbEdit::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride) {
+        // These end the typing here, whatever the menus use them for.
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape) {
+            event->accept();
+            return true;
+        }
+    }
+    return QLineEdit::event(event);
+}
+
 void TbEdit::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape) {
@@ -13,7 +26,8 @@ void TbEdit::keyPressEvent(QKeyEvent *event)
         return;
     }
     const QString before = text();
-    const bool prints = !event->text().isEmpty() && event->text().at(0).isPrint();
+    const bool command = event->modifiers() & (Qt::ControlModifier | Qt::MetaModifier);
+    const bool prints = !command && !event->text().isEmpty() && event->text().at(0).isPrint();
     QLineEdit::keyPressEvent(event);
     if (prints && text() != before && cursorPosition() == text().size())
         Q_EMIT typed();
@@ -28,6 +42,8 @@ TbBox::TbBox(QWidget *parent) : QComboBox(parent), edit_(new TbEdit(this))
     setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
     setMinimumContentsLength(8);
     setMaxVisibleItems(20);
+    // Leaving the text would pick an entry that reads the same.
+    disconnect(edit_, &QLineEdit::editingFinished, this, nullptr);
     connect(edit_, &QLineEdit::returnPressed, this, &TbBox::entered);
     connect(this, &QComboBox::activated, this, [this] { Q_EMIT entered(); });
 }

@@ -17,6 +17,7 @@ Q_SIGNALS:
     void abandoned(); // Escape
 
 protected:
+    bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 };
 

@@ -111,6 +111,8 @@ void tb_path_setup(QToolBar *bar)
 int tb_curpath_cb(QWidget *widget)
 {
     TbBox *path = box();
+    if (!path)
+        return W_CONTINUE;
     std::string wanted = without_dots(absolute(text_of(path)));
     es_strip_pathname(wanted);
     sEntering = true;
