@@ -118,7 +118,9 @@ void x_close_window()
 
 bool x_is_text_field(const QObject *object)
 {
-    return qobject_cast<const QLineEdit *>(object) != nullptr ||
+    const auto *box = qobject_cast<const QComboBox *>(object); // has the focus for its text
+    return (box != nullptr && box->isEditable()) ||
+           qobject_cast<const QLineEdit *>(object) != nullptr ||
            qobject_cast<const QAbstractSpinBox *>(object) != nullptr;
 }
 
