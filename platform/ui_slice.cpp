@@ -233,6 +233,8 @@ bool ui_slice_begin(QWidget *allow)
     SliceFilter *filter = x_filter();
     if (filter->active)
         return false;
+    // In front of every other filter: what a blocked window would swallow is kept instead.
+    QCoreApplication::instance()->installEventFilter(filter);
     filter->allow = allow;
     filter->active = true;
     filter->stop = false;

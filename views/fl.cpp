@@ -13,6 +13,7 @@
 #include "views/fl_sort.h"
 #include "views/fl_view.h"
 
+#include <QCoreApplication>
 #include <QPointer>
 #include <QTimer>
 #include <algorithm>
@@ -60,6 +61,7 @@ std::string x_remember()
 void x_read_and_show()
 {
     const std::string cursor = x_remember();
+    const int top = sView ? sView->top() : 0;
     if (sView)
         fl_mouse_cancel(*sView);
     wblock(gBase, 1);
@@ -68,6 +70,10 @@ void x_read_and_show()
     fl_read();
     gDir.nselected = 0;
     gDir.nseldirs = 0;
+    if (sView) {
+        sView->rows_changed();
+        sView->set_top(top); // a long read has shown its first rows
+    }
     fl_update();
     if (!cursor.empty())
         fl_goto(cursor.c_str(), 0, FL_EXACT);
@@ -167,8 +173,7 @@ void fl_status_changed()
     if (sStatusDue)
         return;
     sStatusDue = true;
-    if (sView)
-        QTimer::singleShot(0, sView, [] { fl_status_flush(); });
+    QTimer::singleShot(0, qApp, [] { fl_status_flush(); });
 }
 
 void fl_status_flush()

@@ -14,6 +14,8 @@
 
 namespace tav {
 
+void (*gFlAccessUpdate)(QAccessibleEvent *event) = QAccessible::updateAccessibility;
+
 namespace {
 
 constexpr int sFirstRow = 1; // child 0 is the header
@@ -151,22 +153,22 @@ void fl_access_current()
 {
     FlView *view = fl_view();
     const int row = fl_row_of_index(gDir.current);
-    if (!QAccessible::isActive() || !view || !view->hasFocus() || row < 0)
+    if (!view || !view->hasFocus() || row < 0)
         return;
     QAccessibleEvent event(view, QAccessible::Focus);
     event.setChild(row + sFirstRow);
-    QAccessible::updateAccessibility(&event);
+    gFlAccessUpdate(&event);
 }
 
 void fl_access_rows_changed()
 {
     FlView *view = fl_view();
-    if (!QAccessible::isActive() || !view)
+    if (!view)
         return;
     if (auto *list = dynamic_cast<FlViewAccess *>(QAccessible::queryAccessibleInterface(view)))
         list->forget();
     QAccessibleEvent event(view, QAccessible::ObjectReorder);
-    QAccessible::updateAccessibility(&event);
+    gFlAccessUpdate(&event);
 }
 
 } // namespace tav

@@ -35,13 +35,14 @@ int x_find_exact(const char *text, unsigned flags)
 int x_find_pattern(const char *text, unsigned flags, Action action)
 {
     const size_t length = strlen(text);
+    const EsPattern pattern = es_pattern_prepare(text);
     int found = DIR_NONE;
     for (int i = 0; i < x_reach(flags); ++i) {
         const DirEntry &entry = x_at(i);
         if (x_is_left_out(entry, flags))
             continue;
         const bool prefix = (flags & FL_PREFIX) && strncmp(entry.name, text, length) == 0;
-        if (!prefix && es_strcmp(entry.name, text) != 0)
+        if (!prefix && !es_pattern_matches(pattern, entry.name))
             continue;
         found = i;
         if (!action)
@@ -99,9 +100,9 @@ int fl_goto_index(int index)
 {
     const bool accepted = fl_set_current(index);
     FlView *view = fl_view();
-    if (view && index == DIR_PARENT)
-        view->set_top(0);
-    else if (view && accepted && index >= 0)
+    if (view && (index == DIR_PARENT || index == 0))
+        view->set_top(0); // with entry 0 the ".." row above it comes into sight
+    if (view && accepted && index >= 0)
         view->show_row(fl_row_of_index(index));
     return index;
 }

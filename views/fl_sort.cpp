@@ -32,6 +32,17 @@ int x_index_of(const DirEntry *entry)
     return DIR_NONE;
 }
 
+// Sorts; the current entry stays current wherever it goes.
+void x_sort()
+{
+    const DirEntry *current = x_current_entry();
+    if (current)
+        fl_set_current(DIR_NONE); // or the flag would be sought where the entry stood before
+    dir_sort(gDir, sSortFunction, sSortOrder);
+    if (current)
+        fl_set_current(x_index_of(current));
+}
+
 } // namespace
 
 DirCompare fl_sort_function() { return sSortFunction; }
@@ -52,10 +63,7 @@ void fl_sort_cb(int column)
     sSortColumn = column;
     sSortFunction = sCompares[column - 1];
     show_sort_method();
-    const DirEntry *current = x_current_entry();
-    dir_sort(gDir, sSortFunction, sSortOrder);
-    if (current)
-        fl_set_current(x_index_of(current));
+    x_sort();
     fl_update();
     if (FlView *view = fl_view())
         view->setFocus(Qt::OtherFocusReason);
