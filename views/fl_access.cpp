@@ -14,7 +14,7 @@
 
 namespace tav {
 
-void (*gFlAccessUpdate)(QAccessibleEvent *event) = QAccessible::updateAccessibility;
+void (*gFlAccessHeard)(QAccessibleEvent *event) = nullptr;
 
 namespace {
 
@@ -145,19 +145,39 @@ QAccessibleInterface *x_make(const QString &, QObject *object)
     return view ? new FlViewAccess(view) : nullptr;
 }
 
+bool x_is_heard() { return gFlAccessHeard || QAccessible::isActive(); }
+
+void x_tell(QAccessibleEvent &event)
+{
+    if (gFlAccessHeard)
+        gFlAccessHeard(&event);
+    else
+        QAccessible::updateAccessibility(&event);
+}
+
 } // namespace
 
-void fl_access_install() { QAccessible::installFactory(x_make); }
+void fl_access_install(FlView *view)
+{
+    static bool sInstalled = false;
+    if (!sInstalled)
+        QAccessible::installFactory(x_make);
+    sInstalled = true;
+    // While the widget was being made the toolkit may have kept an interface of a plainer kind.
+    QAccessibleInterface *kept = QAccessible::queryAccessibleInterface(view);
+    if (!dynamic_cast<FlViewAccess *>(kept))
+        QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(kept));
+}
 
 void fl_access_current()
 {
     FlView *view = fl_view();
     const int row = fl_row_of_index(gDir.current);
-    if (!view || !view->hasFocus() || row < 0)
+    if (!x_is_heard() || !view || !view->hasFocus() || row < 0)
         return;
     QAccessibleEvent event(view, QAccessible::Focus);
     event.setChild(row + sFirstRow);
-    gFlAccessUpdate(&event);
+    x_tell(event);
 }
 
 void fl_access_rows_changed()
@@ -167,8 +187,10 @@ void fl_access_rows_changed()
         return;
     if (auto *list = dynamic_cast<FlViewAccess *>(QAccessible::queryAccessibleInterface(view)))
         list->forget();
+    if (!x_is_heard())
+        return;
     QAccessibleEvent event(view, QAccessible::ObjectReorder);
-    gFlAccessUpdate(&event);
+    x_tell(event);
 }
 
 } // namespace tav

@@ -5,11 +5,13 @@ class QAccessibleEvent;
 
 namespace tav {
 
-// Where events go; the toolkit drops them while no assistive technology runs. Tests listen here.
-extern void (*gFlAccessUpdate)(QAccessibleEvent *event);
+class FlView;
 
-void fl_access_install();      // makes interfaces for FlView from now on; harmless to repeat
-void fl_access_current();      // the cursor moved
-void fl_access_rows_changed(); // the rows are other ones now
+// Hears every event in place of the toolkit; for tests, which run without assistive technology.
+extern void (*gFlAccessHeard)(QAccessibleEvent *event);
+
+void fl_access_install(FlView *view); // call once the view is complete
+void fl_access_current();             // the cursor moved
+void fl_access_rows_changed();        // the rows are other ones now
 
 } // namespace tav

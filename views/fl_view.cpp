@@ -35,7 +35,6 @@ FlView::FlView(QWidget *parent) : QAbstractScrollArea(parent), m_header(new FlHe
     setAcceptDrops(true);
     viewport()->setAutoFillBackground(false); // fl_paint covers every pixel
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
-    fl_access_install();
     connect(m_header, &FlHeader::resized, this, [this] {
         update_ranges();
         viewport()->update();
@@ -43,6 +42,7 @@ FlView::FlView(QWidget *parent) : QAbstractScrollArea(parent), m_header(new FlHe
     connect(m_header, &FlHeader::pressed, this, [](int column) { fl_sort_cb(column); });
     connect(m_header, &FlHeader::fit_wanted, this, &FlView::fit_column);
     update_metrics();
+    fl_access_install(this);
 }
 
 FlView::~FlView() { fl_mouse_cancel(*this); }
