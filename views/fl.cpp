@@ -29,10 +29,13 @@ constexpr int sTimeoutLimit = 3600 * 1000; // milliseconds that typed keys are k
 QPointer<FlView> sView;
 QPointer<QObject> sTimer; // "ftimer", a child of the view
 void (*sNotify_f)() = nullptr;
-std::string sLastPath;    // that the last refresh showed
-bool sStatusDue = false;  // the selection changed since status_update
-bool sRefreshDue = false; // asked for while a directory was being read
-bool sOutside = false;    // this refresh was asked for from outside
+std::string sLastPath;   // that the last refresh showed
+bool sStatusDue = false; // the selection changed since status_update
+bool sOutside = false;   // this refresh was asked for from outside
+
+// A refresh that was asked for while a directory was being read.
+enum class Due { NOTHING, OUTSIDE, INSIDE };
+Due sRefreshDue = Due::NOTHING;
 
 void x_status(const char *text)
 {
@@ -112,22 +115,26 @@ void fl_set_font()
 
 void fl_refresh()
 {
-    if (fl_is_reading()) {
-        sRefreshDue = true; // once is enough, however often it was asked for
+    if (fl_is_reading()) { // once afterwards is enough, however often it is asked for
+        sRefreshDue = sOutside && sRefreshDue != Due::INSIDE ? Due::OUTSIDE : Due::INSIDE;
         return;
     }
+    const bool outside = sOutside;
     x_read_and_show();
-    while (sRefreshDue) {
-        sRefreshDue = false;
+    while (sRefreshDue != Due::NOTHING) {
+        sOutside = sRefreshDue == Due::OUTSIDE;
+        sRefreshDue = Due::NOTHING;
         x_read_and_show();
     }
+    sOutside = outside;
 }
 
 void fl_refresh_outside()
 {
+    const bool before = sOutside;
     sOutside = true;
     fl_refresh();
-    sOutside = false;
+    sOutside = before;
 }
 
 bool fl_is_outside() { return sOutside; }
@@ -142,6 +149,7 @@ void fl_update()
     for (int i = 0; i < gDir.count; ++i)
         gDir.entries[static_cast<size_t>(i)]->item = fl_row_of_index(i);
     fl_select_range_end();
+    fl_select_set_anchor(gDir.current);
     fl_access_rows_changed();
     if (sView) {
         sView->rows_changed();

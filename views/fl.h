@@ -9,6 +9,7 @@
 #include <QString>
 #include <string>
 #include <string_view>
+#include <vector>
 
 class QWidget;
 class QKeyEvent;
@@ -23,13 +24,12 @@ struct FlHooks {
     // A key press that the list has. 0 not taken, 1 taken and the typing goes on, -1 taken and it
     // ended.
     int (*key)(const QKeyEvent &event);
-    void (*key_echo)();   // shows what was typed so far
-    void (*key_clear)();  // forgets it
-    bool (*key_active)(); // typing is going on (Escape and Backspace are the list's then)
-    void (*open)();       // Enter: open what is selected or current
-    void (*run_open)(
-        int index); // runs the open command of every matching association; see ran_open
-    bool (*has_open)(int index);                 // whether any association matches the entry's name
+    void (*key_echo)();          // shows what was typed so far
+    void (*key_clear)();         // forgets it
+    bool (*key_active)();        // typing is going on (Escape and Backspace are the list's then)
+    void (*open)();              // Enter: open what is selected or current
+    void (*run_open)(int index); // runs the open command of every matching association
+    bool (*has_open)(int index); // whether any association matches the entry's name
     int (*run_program)(const std::string &path); // starts the listed file itself
     void (*context_menu)(const QPoint &global);  // the list's context menu
     void (*cut_fetch)();                         // before the rows are rebuilt
@@ -78,6 +78,9 @@ void fl_unselect_index(int index);
 void fl_invert_index(int index);
 int fl_select(const char *name, unsigned flags); // every match; the last one's index or DIR_NONE
 int fl_unselect(const char *name, unsigned flags);
+// Selects every name of a transferred file list: the entry of that name, else what it matches as a
+// pattern. The last one's index or DIR_NONE.
+int fl_select_transf(const std::vector<const char *> &names);
 void fl_select_all();
 void fl_unselect_all(QWidget *widget);
 void fl_invert_all();

@@ -6,6 +6,8 @@
 #include "views/fl_view.h"
 
 #include <cstring>
+#include <string_view>
+#include <unordered_map>
 
 namespace tav {
 
@@ -117,5 +119,21 @@ int fl_find(const char *name, unsigned flags) { return x_find(name, flags, nullp
 int fl_select(const char *name, unsigned flags) { return x_find(name, flags, fl_select_index); }
 
 int fl_unselect(const char *name, unsigned flags) { return x_find(name, flags, fl_unselect_index); }
+
+int fl_select_transf(const std::vector<const char *> &names)
+{
+    std::unordered_map<std::string_view, int> indexes; // or every name would cost a pass
+    for (int i = 0; i < gDir.count; ++i)
+        indexes.emplace(x_at(i).name, i);
+    int last = DIR_NONE;
+    for (const char *name : names) {
+        const auto exact = indexes.find(name);
+        const int found = exact == indexes.end() ? fl_select(name, 0) : exact->second;
+        fl_select_index(found);
+        if (found != DIR_NONE)
+            last = found;
+    }
+    return last;
+}
 
 } // namespace tav

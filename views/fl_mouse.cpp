@@ -42,8 +42,9 @@ void x_press_row(int index, bool ctrl, bool shift)
 {
     sHold = Hold::ROWS;
     if (shift) {
-        const int anchor = fl_select_anchor() == DIR_NONE ? index : fl_select_anchor();
-        fl_select_range_begin(anchor, ctrl, true);
+        if (fl_select_anchor() == DIR_NONE)
+            fl_select_set_anchor(index);
+        fl_select_range_begin(fl_select_anchor(), ctrl, true);
     } else if (x_is_selected(index)) {
         sHold = Hold::SELECTED; // what a click means is known at the release
     } else {

@@ -250,8 +250,10 @@ void FlView::dragMoveEvent(QDragMoveEvent *event)
 {
     const int row = row_at(event->position().toPoint());
     const int index = row < 0 ? DIR_NONE : fl_row_index(row);
-    const bool taken = gFlHooks.drop_accepts && gFlHooks.drop_accepts(*event, index);
-    set_drop_row(taken && fl_takes_drop(index) ? row : -1);
+    const bool target = fl_takes_drop(index);
+    const bool taken =
+        gFlHooks.drop_accepts && gFlHooks.drop_accepts(*event, target ? index : DIR_NONE);
+    set_drop_row(taken && target ? row : -1);
     event->setAccepted(taken);
 }
 

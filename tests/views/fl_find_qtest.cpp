@@ -164,6 +164,19 @@ private Q_SLOTS:
         QCOMPARE(fl_test_selected(), std::string("*"));
     }
 
+    void names_of_a_transferred_list_are_selected()
+    {
+        m_dir->file("[ab]");
+        m_dir->file("a");
+        m_dir->file("c");
+        show();
+        QCOMPARE(fl_select_transf({"c", "gone", "[ab]"}), fl_find("[ab]", FL_EXACT));
+        QCOMPARE(fl_test_selected(), std::string("[ab] c"));
+        QCOMPARE(fl_select_transf({}), DIR_NONE);
+        fl_unselect_all(nullptr);
+        QCOMPARE(fl_select_transf({"^A"}), fl_find("a", FL_EXACT));
+    }
+
     void strange_patterns_end()
     {
         m_dir->file(std::string(255, 'a'));

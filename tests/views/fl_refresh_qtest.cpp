@@ -361,6 +361,29 @@ private Q_SLOTS:
         QVERIFY(!sOutside);
     }
 
+    void refresh_from_outside_that_had_to_wait_is_still_from_outside()
+    {
+        static std::vector<bool> sOutside;
+        sOutside.clear();
+        fl_set_notify_cb([] { sOutside.push_back(fl_is_outside()); });
+        m_dir->file("a");
+        sAtName = [] {
+            if (sNames == 1)
+                fl_refresh_outside();
+        };
+        show();
+        QCOMPARE(sOutside, (std::vector<bool>{false, true}));
+        QVERIFY(!fl_is_outside());
+        sAtName = [] {
+            if (sNames == 3) {
+                fl_refresh_outside();
+                fl_refresh(); // the person's own wish counts more
+            }
+        };
+        fl_refresh();
+        QCOMPARE(sOutside, (std::vector<bool>{false, true, false, false}));
+    }
+
     void refresh_keeps_what_is_typed_in_a_text_field()
     {
         m_dir->file("a");
