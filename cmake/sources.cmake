@@ -10,7 +10,7 @@ file(GLOB TAV_CORE_SOURCES ${_glob}
     commands/transf*.cpp commands/uri*.cpp commands/worker.cpp commands/clip_x11.cpp
     commands/dtm_scan.cpp
     views/history.cpp views/tree_hotlist.cpp views/tree_file.cpp views/tree_merge.cpp
-    views/tree_jobs.cpp app/ac.cpp app/kb*.cpp platform/ini.cpp
+    views/tree_jobs.cpp views/prop_apply.cpp views/prop_gather.cpp app/ac.cpp app/kb*.cpp platform/ini.cpp
     platform/replace_file.cpp platform/child.cpp platform/stop_watch.cpp)
 list(FILTER TAV_CORE_SOURCES EXCLUDE REGEX "_(dlg|ui)[.]cpp$")
 

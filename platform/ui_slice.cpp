@@ -29,6 +29,8 @@ struct Kept {
     std::unique_ptr<QEvent> event;
 };
 
+bool sActive = false; // a work is under way
+
 const QEvent::Type DELIVER = static_cast<QEvent::Type>(QEvent::registerEventType());
 
 class SliceFilter : public QObject {
@@ -36,7 +38,6 @@ public:
     using QObject::QObject;
 
     QPointer<QWidget> allow;
-    bool active = false;
     bool stop = false;          // Escape was pressed
     bool press_dropped = false; // so its release goes the same way
 
@@ -50,9 +51,9 @@ public:
 protected:
     bool eventFilter(QObject *object, QEvent *event) override
     {
-        if (!active && kept_.empty())
+        if (!sActive && kept_.empty())
             return false;
-        if (!active)
+        if (!sActive)
             return queue_up(object, event);
         if (is_allowed(object))
             return false;
@@ -80,7 +81,7 @@ protected:
 
     void customEvent(QEvent *event) override
     {
-        if (event->type() != DELIVER || active || kept_.empty())
+        if (event->type() != DELIVER || sActive || kept_.empty())
             return;
         const Kept next = std::move(kept_.front());
         kept_.pop_front();
@@ -216,14 +217,16 @@ private:
 
 QElapsedTimer sSince; // the end of the last slice
 
+QPointer<SliceFilter> sFilter; // made at the first use, lives as long as the application
+
 SliceFilter *x_filter()
 {
-    static QPointer<SliceFilter> filter;
-    if (!filter) {
-        filter = new SliceFilter(QCoreApplication::instance());
-        QCoreApplication::instance()->installEventFilter(filter);
+    if (!sFilter) {
+        sFilter = new SliceFilter;
+        sFilter->setParent(QCoreApplication::instance());
+        QCoreApplication::instance()->installEventFilter(sFilter);
     }
-    return filter;
+    return sFilter;
 }
 
 } // namespace
@@ -231,12 +234,12 @@ SliceFilter *x_filter()
 bool ui_slice_begin(QWidget *allow)
 {
     SliceFilter *filter = x_filter();
-    if (filter->active)
+    if (sActive)
         return false;
     // In front of every other filter: what a blocked window would swallow is kept instead.
     QCoreApplication::instance()->installEventFilter(filter);
     filter->allow = allow;
-    filter->active = true;
+    sActive = true;
     filter->stop = false;
     filter->press_dropped = false;
     ui_gate_hold();
@@ -247,7 +250,7 @@ bool ui_slice_begin(QWidget *allow)
 bool ui_slice_run()
 {
     const SliceFilter *filter = x_filter();
-    if (!filter->active || filter->stop)
+    if (!sActive || filter->stop)
         return !filter->stop;
     if (sSince.elapsed() < UI_SLICE_EVERY)
         return true;
@@ -259,14 +262,14 @@ bool ui_slice_run()
 void ui_slice_end()
 {
     SliceFilter *filter = x_filter();
-    if (!filter->active)
+    if (!sActive)
         return;
-    filter->active = false;
+    sActive = false;
     filter->allow = nullptr;
     filter->schedule();
     ui_gate_release();
 }
 
-bool ui_slice_is_active() { return x_filter()->active; }
+bool ui_slice_is_active() { return sActive; }
 
 } // namespace tav

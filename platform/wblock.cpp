@@ -2,6 +2,7 @@
 // and swallows what a user did to a blocked widget. Nothing is disabled: the focus stays where it
 // is.
 #include "platform/wblock.h"
+#include "platform/ui_slice.h"
 #include "platform/w.h"
 
 #include <QAction>
@@ -156,6 +157,8 @@ protected:
     {
         if (sBlocked == 0 && sExclusiveDepth == 0)
             return false;
+        if (ui_slice_is_active())
+            return false; // what comes now is kept for later, when the window may be free again
         const bool close = event->type() == QEvent::Close && event->spontaneous();
         if (!close && !x_is_user_event(event->type()))
             return false;

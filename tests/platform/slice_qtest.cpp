@@ -1,6 +1,7 @@
 // Slices of the main loop during long work on the main thread.
 #include "platform/ui_gate.h"
 #include "platform/ui_slice.h"
+#include "platform/w.h"
 
 #include <QAction>
 #include <QApplication>
@@ -127,6 +128,16 @@ private Q_SLOTS:
         ui_slice_end();
         QTest::keyClick(window_->edit, Qt::Key_C);
         QTRY_COMPARE(window_->edit->text(), QStringLiteral("abc"));
+    }
+
+    void keys_of_a_window_that_is_blocked_meanwhile_wait_too()
+    {
+        QVERIFY(ui_slice_begin());
+        wblock(window_.get(), 1);
+        QTest::keyClick(window_->edit, Qt::Key_A);
+        wblock(window_.get(), 0);
+        ui_slice_end();
+        QTRY_COMPARE(window_->edit->text(), QStringLiteral("a"));
     }
 
     void a_shortcut_waits_and_is_still_a_shortcut()
