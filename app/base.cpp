@@ -9,6 +9,7 @@
 #include "app/start.h"
 #include "commands/fm.h"
 #include "commands/misc_ui.h"
+#include "fileops/slot.h"
 #include "platform/combo.h"
 #include "platform/lengths.h"
 #include "platform/shown.h"
@@ -31,8 +32,6 @@
 #include <cstdlib>
 
 namespace tav {
-
-int base_window_closed = 0;
 
 namespace {
 
@@ -58,6 +57,7 @@ void x_fill_hooks()
     gFlHooks.run_program = fm_run_program;
     gFlHooks.status_update = status_bar_update;
     gTbHooks.terminal = fm_open_pterm;
+    gSlotHooks.exit = [] { QCoreApplication::exit(EXIT_SUCCESS); }; // quit() would ask every window
     gTreeHooks.context_menu = x_show_hotlist_menu;
 }
 
@@ -158,7 +158,7 @@ void base_update()
 void base_create(const Options &options)
 {
     sLeft = false;
-    base_window_closed = 0;
+    base_window_closed = false;
     gBase = new BaseWindow;
     Ui::base form;
     form.setupUi(static_cast<QMainWindow *>(gBase));
@@ -199,7 +199,7 @@ int base_closing()
     init_save_cboxs(gConfigPath);
     init_destroy_cboxs();
     tree_save(tree_view(), gConfigPath, "hotlist.001");
-    base_window_closed = 1;
+    base_window_closed = true;
     return W_CONTINUE;
 }
 
@@ -208,13 +208,16 @@ bool base_is_gone() { return sLeft; }
 void base_leave()
 {
     x_close_window();
-    QCoreApplication::exit(EXIT_SUCCESS); // quit() would ask every window first
+    if (slot_count() > 0)
+        slot_finish_all();
+    else
+        gSlotHooks.exit();
 }
 
 void base_terminate()
 {
     x_close_window();
-    QCoreApplication::exit(EXIT_SUCCESS);
+    slot_terminate_all();
 }
 
 } // namespace tav

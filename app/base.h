@@ -9,10 +9,6 @@
 
 namespace tav {
 
-// Whether the window's closing has run with a settings directory: then a refresh signal is ignored
-// and the progress window ends the program after its last job. 0 or 1.
-extern int base_window_closed;
-
 // The window is closed, with settings or without: nothing refreshes it any more.
 bool base_is_gone();
 

@@ -6,6 +6,7 @@
 #include "app/config.h"
 #include "app/start.h"
 #include "commands/as.h"
+#include "fileops/slot.h"
 #include "platform/signals.h"
 #include "platform/w.h"
 #include "views/fl.h"
@@ -52,7 +53,7 @@ int init(int argc, const char *const *argv)
 
 void signal_refresh()
 {
-    if (base_window_closed != 0 || base_is_gone())
+    if (base_window_closed || base_is_gone())
         return;
     fl_refresh_outside();
 }
