@@ -120,7 +120,7 @@ int interp_key(const QKeyEvent &event)
         return sState == 0 ? 0 : x_end();
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        return x_return();
+        return event.modifiers() & Qt::ShiftModifier ? 0 : x_return();
     case Qt::Key_Backspace:
         return x_backspace();
     default:
