@@ -211,10 +211,10 @@ start() {
     until read -r -d '' name <"/proc/$child/comm" || [[ ${1:0:15} == "${name%$'\n'}" ]]; do :; done
 }
 
-# ended PID: with which status.
+# ended PID SIGNAL TEXT: by that signal.
 ended() {
     wait "$1" 2>/dev/null
-    echo $?
+    [ $? -eq $((128 + $2)) ] || complain "$3"
 }
 
 slay() {
@@ -230,20 +230,20 @@ start slay_other
 other=$child
 slay -f -s SIGUSR1 slay_target
 [ "$status" -eq 0 ] || complain "slay found nothing"
-[ "$(ended "$one")" -eq $((128 + 10)) ] || complain "the first was not signalled"
-[ "$(ended "$two")" -eq $((128 + 10)) ] || complain "the second was not signalled"
+ended "$one" 10 "the first was not signalled"
+ended "$two" 10 "the second was not signalled"
 kill -0 "$other" 2>/dev/null || complain "another name was signalled"
 slay -f -s SIGUSR1 slay_target
 [ "$status" -eq 1 ] || complain "nothing was there, but status $status"
 slay slay_other
-[ "$(ended "$other")" -eq $((128 + 15)) ] || complain "without a signal it is TERM"
+ended "$other" 15 "without a signal it is TERM"
 
 start a_name_longer_than_fifteen
 long=$child
 slay -s USR1 a_name_longer_than_another a_name_longer
 kill -0 "$long" 2>/dev/null || complain "a name that only begins alike was signalled"
 slay -s USR1 a_name_longer_than_fifteen
-[ "$(ended "$long")" -eq $((128 + 10)) ] || complain "a long name was not found"
+ended "$long" 10 "a long name was not found"
 
 # A process of another user, as the system tells it, is left alone.
 start slay_target
