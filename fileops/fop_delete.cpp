@@ -101,9 +101,13 @@ int fop_delete_file(FileOp *job, int group_number, int item, const std::string &
         return x_ask_failed(job, path.c_str(), errno) == END ? -1 : 0;
     }
     int flags = is_dir ? AT_REMOVEDIR : 0;
-    if (fop_retry([&] { return gFopSys.unlinkat(fd, name, flags); }) == -1 &&
-        x_ask_failed(job, path.c_str(), errno) == END)
-        return -1;
+    if (fop_retry([&] { return gFopSys.unlinkat(fd, name, flags); }) == -1) {
+        // A directory that still holds what an aborted move did not come to is no failure.
+        if (is_dir && job->op == FOP_MOVE && job->abort && errno == ENOTEMPTY)
+            return 0;
+        if (x_ask_failed(job, path.c_str(), errno) == END)
+            return -1;
+    }
     // Also after a failure that the user let pass: the marks of the caller are cleared either way.
     fop_item_done(job, dir.c_str(), group.names[item]);
     return 0;

@@ -199,20 +199,32 @@ const char *fop_dest_name(const FileOp *job, int group, const char *name)
 
 void fop_group_dir(const FileOp *job, int group, std::string &out)
 {
+    // One step from the last one asked for, as it mostly is, costs no walk through a deep tree.
+    int &last = job->dirs->path_group;
+    std::string &path = job->dirs->path;
+    if (last > 0 && job->groups[last]->parent == group && group > 0) {
+        path.resize(path.size() - std::strlen(job->groups[last]->dir) - 1);
+        last = group;
+    }
     std::vector<int> chain;
-    for (int at = group; at > 0; at = job->groups[at]->parent)
+    int at = group;
+    for (; at > 0 && at != last; at = job->groups[at]->parent)
         chain.push_back(at);
-    out = job->groups[0]->dir;
-    std::string joined;
+    if (at == 0)
+        path = job->groups[0]->dir;
     for (size_t i = chain.size(); i-- > 0;) {
-        if (i + 1 == chain.size()) {
-            _build_path(joined, out.c_str(), job->groups[chain[i]]->dir);
-            out.swap(joined);
+        const DirGroup &step = *job->groups[chain[i]];
+        if (step.parent == 0) {
+            std::string joined;
+            _build_path(joined, path.c_str(), step.dir);
+            path.swap(joined);
         } else {
-            out += '/';
-            out += job->groups[chain[i]]->dir;
+            path += '/';
+            path += step.dir;
         }
     }
+    last = group;
+    out = path;
 }
 
 void fop_source_path(const FileOp *job, int group, const char *name, std::string &out)

@@ -24,6 +24,8 @@ struct FopDirs {
     int root[2] = {-1, -1}; // the source directory; the destination, or its parent when single
     Open open[2][FOP_DIRS_KEPT];
     unsigned turn = 0;
+    int path_group = -1; // the group that path is of
+    std::string path;
     bool single = false;   // the one item is copied as dest itself
     std::string dest_name; // then: the last component of dest
     bool above_known = false;
