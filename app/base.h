@@ -4,6 +4,7 @@
 
 #include "app/config.h"
 #include "app/options.h"
+#include "fileops/slot.h" // base_window_closed
 
 #include <QMainWindow>
 

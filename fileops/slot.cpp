@@ -16,7 +16,7 @@
 
 namespace tav {
 
-bool base_window_closed = false;
+int base_window_closed = 0;
 
 namespace {
 
@@ -167,7 +167,7 @@ void slot_timer()
     if (!panes.empty())
         x_call(gSlotHooks.refresh, x_refresh);
     x_show_progress();
-    if (!panes.empty() && sSlots.empty() && base_window_closed)
+    if (!panes.empty() && sSlots.empty() && base_window_closed != 0)
         x_end_program();
 }
 
@@ -210,7 +210,7 @@ int slot_cancel_cb(QWidget *button)
 
 void slot_finish_all()
 {
-    base_window_closed = true;
+    base_window_closed = 1;
     if (sSlots.empty())
         x_end_program();
 }
@@ -228,7 +228,7 @@ void slot_terminate_all()
                 entry.job->abort = 1;
         }
     }
-    base_window_closed = true;
+    base_window_closed = 1;
     slot_ask_close(nullptr);
 }
 
