@@ -199,6 +199,21 @@ void fl_paint(const FlView &view, QPainter &painter, const QRect &area)
         x_paint_frame(painter, view.row_rect(view.drop_row()).adjusted(1, 1, -1, -1), look.frame);
 }
 
+QString fl_paint_cut_text(const FlView &view, const QPoint &position)
+{
+    const int row = view.row_at(position);
+    for (int column = 1; row >= 0 && column <= FL_COLUMNS; ++column) {
+        const QRect section = view.header()->section(column).translated(-view.left(), 0);
+        if (position.x() < section.left() || position.x() > section.right())
+            continue;
+        const RowLook look = x_row_look(view, row);
+        const QString text = x_shown(look.index, column);
+        const int width = x_text_area(look, section, column).width();
+        return view.fontMetrics().horizontalAdvance(text) > width ? text : QString();
+    }
+    return {};
+}
+
 int fl_paint_fit(const FlView &view, int column)
 {
     const QFontMetrics metrics = view.fontMetrics();

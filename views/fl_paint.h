@@ -2,7 +2,10 @@
 // hold.
 #pragma once
 
+#include <QString>
+
 class QPainter;
+class QPoint;
 class QRect;
 
 namespace tav {
@@ -15,6 +18,9 @@ constexpr int FL_ROW_SPACE = 6;   // pixels that a row is higher than its text
 
 // Paints the rows that meet area, in the viewport's pixels.
 void fl_paint(const FlView &view, QPainter &painter, const QRect &area);
+
+// The whole text under a point of the viewport when it is shown cut off there, else empty.
+QString fl_paint_cut_text(const FlView &view, const QPoint &position);
 
 // The width at which a column shows all texts: of the rows in sight, and of the longest ones.
 int fl_paint_fit(const FlView &view, int column);

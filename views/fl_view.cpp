@@ -16,6 +16,8 @@
 #include <QPainter>
 #include <QRubberBand>
 #include <QScrollBar>
+#include <QTextDocument>
+#include <QToolTip>
 #include <algorithm>
 
 namespace tav {
@@ -180,6 +182,19 @@ bool FlView::event(QEvent *event)
     }
     // Tab leaves the list, as it should; everything else is as usual.
     return QAbstractScrollArea::event(event);
+}
+
+bool FlView::viewportEvent(QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QAbstractScrollArea::viewportEvent(event);
+    const auto *help = static_cast<QHelpEvent *>(event);
+    const QString text = fl_paint_cut_text(*this, help->pos());
+    // A tool tip takes what looks like markup for markup, so the name is written as such.
+    QToolTip::showText(help->globalPos(),
+                       text.isEmpty() ? text : Qt::convertFromPlainText(text, Qt::WhiteSpacePre),
+                       viewport());
+    return true;
 }
 
 void FlView::keyPressEvent(QKeyEvent *event)

@@ -6,7 +6,10 @@
 
 #include <QAccessible>
 #include <QDropEvent>
+#include <QHelpEvent>
 #include <QMimeData>
+#include <QTextDocument>
+#include <QToolTip>
 
 namespace tav {
 
@@ -222,6 +225,28 @@ private Q_SLOTS:
         QVERIFY(m_window->list->row_height() > before + 10);
         fl_set_font();
         QCOMPARE(m_window->list->row_height(), before);
+    }
+
+    void text_that_is_cut_off_is_told_whole_and_plain()
+    {
+        m_dir->file("<b>bold &amp; long enough to be cut off somewhere in the middle");
+        m_dir->file("short");
+        fl_setpath(m_dir->path().c_str());
+        const auto hover = [&](int index) {
+            const QPoint at = m_window->at(index);
+            QHelpEvent event(QEvent::ToolTip, at, m_window->list->viewport()->mapToGlobal(at));
+            QApplication::sendEvent(m_window->list->viewport(), &event);
+        };
+        hover(0);
+        QVERIFY(QToolTip::isVisible());
+        QTextDocument shown;
+        shown.setHtml(QToolTip::text());
+        QCOMPARE(shown.toPlainText(), QString::fromStdString(fl_test_name(0)));
+        hover(1); // the tip goes away after a moment
+        QTRY_VERIFY(!QToolTip::isVisible());
+        fl_set_column_width(1, 1000);
+        hover(0);
+        QVERIFY(!QToolTip::isVisible());
     }
 
     void tiny_list_survives()
