@@ -175,7 +175,7 @@ int main(int argc, char **argv)
         layout->addWidget(label);
     }
     tav::gBase = &window;
-    tav::gDir.filespec = "*";
+    tav::gDir.filespec.assign(1, '*');
     tav::fl_setup();
     window.resize(900, 700);
     window.show();

@@ -139,4 +139,4 @@ shot() { import -silent -window root "$1"; }
 
 # look: what assistive technology sees of tav, one line per widget (needs desktop_bus).
 look() { /usr/bin/python3 "$desktop_dir/look.py" "${1:-$tav_pid}"; }
-look_has() { look | grep -qF -- "$1"; }
+look_has() { look | grep -F -- "$1" >/dev/null; } # reads on to the end, or look would be cut off
