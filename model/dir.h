@@ -79,6 +79,10 @@ using DirCompare = int (*)(const DirEntry &a, const DirEntry &b);
 // When gDirHooks.pending says stop, what was read so far stays and the answer is 0.
 int dir_read(DirListing &listing, DirCompare compare, int ascending);
 
+// A zero-filled entry for a listing that is filled by hand; ends the program when memory is out.
+DirEntry *dir_new_entry();
+void dir_free_entry(DirEntry *entry);
+
 // Frees every entry, listed and spare; path and filter stay.
 void dir_release(DirListing &listing);
 

@@ -11,23 +11,29 @@ namespace {
 
 constexpr size_t FIRST_SLOTS = 1024;
 
+} // namespace
+
 // Eight bytes at a time, mixed by multiplication; names are short and no enemy's secret hangs on
 // it.
-uint32_t x_hash(std::string_view name)
+uint32_t DirSeen::hash(std::string_view name)
 {
-    uint64_t hash = name.size() * 0x9E3779B97F4A7C15u;
+    uint64_t mix = name.size() * 0x9E3779B97F4A7C15u;
     while (!name.empty()) {
         uint64_t word = 0;
         size_t size = name.size() < sizeof word ? name.size() : sizeof word;
         memcpy(&word, name.data(), size);
-        hash = (hash ^ word) * 0xD6E8FEB86659FD93u;
-        hash ^= hash >> 32;
+        mix = (mix ^ word) * 0xD6E8FEB86659FD93u;
+        mix ^= mix >> 32;
         name.remove_prefix(size);
     }
-    return static_cast<uint32_t>(hash ^ (hash >> 29));
+    return static_cast<uint32_t>(mix ^ (mix >> 29));
 }
 
-} // namespace
+void DirSeen::prefetch(uint32_t hash) const
+{
+    if (!m_slots.empty())
+        __builtin_prefetch(&m_slots[hash & (m_slots.size() - 1)]);
+}
 
 void DirSeen::grow()
 {
@@ -48,11 +54,11 @@ void DirSeen::grow()
     }
 }
 
-bool DirSeen::add(const std::vector<DirEntry *> &entries, int count, std::string_view name)
+bool DirSeen::add(const std::vector<DirEntry *> &entries, int count, std::string_view name,
+                  uint32_t hash)
 {
     if ((m_taken + 1) * 2 > m_slots.size())
         grow();
-    uint32_t hash = x_hash(name);
     size_t mask = m_slots.size() - 1;
     size_t at = hash & mask;
     for (; m_slots[at].place; at = (at + 1) & mask)

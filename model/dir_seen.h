@@ -12,9 +12,15 @@ namespace tav {
 
 class DirSeen {
 public:
+    static uint32_t hash(std::string_view name);
+
+    // Fetches what add will look at first; worth a call some work ahead of it.
+    void prefetch(uint32_t hash) const;
+
     // Notes that name will stand at index count of the entries. False when one of those has it
     // already.
-    bool add(const std::vector<DirEntry *> &entries, int count, std::string_view name);
+    bool add(const std::vector<DirEntry *> &entries, int count, std::string_view name,
+             uint32_t hash);
 
 private:
     struct Slot {

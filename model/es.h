@@ -45,7 +45,9 @@ struct EsPattern {
         bool any;          // nothing but "*": matches everything
     };
     std::vector<Alternative> alternatives;
-    bool fold; // case does not count; the alternatives are lower-cased already
+    bool fold;       // case does not count; the alternatives are lower-cased already
+    bool any;        // some alternative matches everything
+    char lower[128]; // the lower case of each ASCII character; 0 where that is not ASCII
 };
 EsPattern es_pattern_prepare(const char *pattern);
 bool es_pattern_matches(const EsPattern &pattern, const char *name);

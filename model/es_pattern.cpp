@@ -147,8 +147,6 @@ public:
     {}
     bool matches(const EsPattern::Alternative &one)
     {
-        if (one.any)
-            return true;
         if (!(m_ascii && one.ascii) && one.is_text && is_text() &&
             x_match(one.wide.c_str(), m_wide.c_str()))
             return true;
@@ -174,9 +172,49 @@ private:
 
 } // namespace
 
+namespace {
+
+void x_fill_lower(EsPattern &ready)
+{
+    for (wint_t c = 0; c < sizeof ready.lower; c++) {
+        wint_t lower = towlower(c);
+        ready.lower[c] = static_cast<char>(lower < sizeof ready.lower ? lower : 0);
+    }
+}
+
+// Lower-cases a name whose characters, and their lower case, are all ASCII. False for any other,
+// and for one that does not fit.
+template <size_t Size>
+bool x_lower_ascii(const EsPattern &ready, const char *name, char (&lower)[Size])
+{
+    for (size_t i = 0; i < Size; i++) {
+        auto c = static_cast<unsigned char>(name[i]);
+        if (c == 0) {
+            lower[i] = 0;
+            return true;
+        }
+        lower[i] = c < sizeof ready.lower ? ready.lower[c] : '\0';
+        if (lower[i] == 0)
+            return false;
+    }
+    return false;
+}
+
+bool x_matches(const EsPattern &pattern, const char *name)
+{
+    Name forms(name);
+    for (const EsPattern::Alternative &one : pattern.alternatives)
+        if (forms.matches(one))
+            return true;
+    return false;
+}
+
+} // namespace
+
 EsPattern es_pattern_prepare(const char *pattern)
 {
-    EsPattern ready;
+    EsPattern ready = {};
+    x_fill_lower(ready);
     std::string_view rest = pattern ? pattern : "";
     ready.fold = rest.starts_with('^');
     std::string lower;
@@ -187,6 +225,7 @@ EsPattern es_pattern_prepare(const char *pattern)
     for (;;) {
         size_t bar = rest.find('|');
         ready.alternatives.push_back(x_alternative(rest.substr(0, bar)));
+        ready.any = ready.any || ready.alternatives.back().any;
         if (bar == rest.npos)
             break;
         rest.remove_prefix(bar + 1);
@@ -196,16 +235,14 @@ EsPattern es_pattern_prepare(const char *pattern)
 
 bool es_pattern_matches(const EsPattern &pattern, const char *name)
 {
-    std::string lower;
-    if (pattern.fold) {
-        lower = x_lower(name);
-        name = lower.c_str();
-    }
-    Name forms(name);
-    for (const EsPattern::Alternative &one : pattern.alternatives)
-        if (forms.matches(one))
-            return true;
-    return false;
+    if (pattern.any)
+        return true;
+    if (!pattern.fold)
+        return x_matches(pattern, name);
+    char lower[256];
+    if (x_lower_ascii(pattern, name, lower))
+        return x_matches(pattern, lower);
+    return x_matches(pattern, x_lower(name).c_str());
 }
 
 int es_strcmp(const char *name, const char *pattern)

@@ -273,10 +273,8 @@ TEST_F(DirSort, NeighboursStandAsTheKeyAndThenTheNameSay)
         fill(list, random, 2000);
         std::erase_if(list.listing.entries, [](DirEntry *entry) {
             bool number = strspn(entry->name, "0123456789") == strlen(entry->name);
-            if (number) { // with numbers the names are no total order
-                free(entry->link);
-                free(entry);
-            }
+            if (number) // with numbers the names are no total order
+                dir_free_entry(entry);
             return number;
         });
         list.listing.count = static_cast<int>(list.listing.entries.size());

@@ -54,7 +54,7 @@ public:
     // Adds an entry that no directory holds.
     DirEntry &add(const std::string &name, mode_t mode = S_IFREG | 0644)
     {
-        auto entry = static_cast<DirEntry *>(calloc(1, sizeof(DirEntry)));
+        DirEntry *entry = dir_new_entry();
         memcpy(entry->name, name.c_str(), std::min(name.size() + 1, sizeof entry->name - 1));
         entry->stat.st_mode = mode;
         listing.entries.resize(static_cast<size_t>(listing.count) + 1);
