@@ -5,6 +5,7 @@
 #include "platform/res.h"
 
 #include <QEvent>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QStyleOptionHeader>
@@ -28,6 +29,7 @@ const Section sSections[FL_COLUMNS] = {
 
 constexpr int sHandleWidth = 9; // pixels that take hold of a border
 constexpr int sImageSize = 12;  // of the sort image
+constexpr int sKeyStep = 8;     // pixels that one key makes a column wider or narrower
 constexpr int sMargin = 5;      // beside a label
 
 bool x_is_column(int column) { return column >= 1 && column <= FL_COLUMNS; }
@@ -61,6 +63,15 @@ bool FlHeaderButton::event(QEvent *event)
     if (event->type() == QEvent::HoverEnter || event->type() == QEvent::HoverLeave)
         update();
     return QAbstractButton::event(event);
+}
+
+void FlHeaderButton::keyPressEvent(QKeyEvent *event)
+{
+    const bool right = event->key() == Qt::Key_Right;
+    if (event->modifiers() == Qt::ControlModifier && (right || event->key() == Qt::Key_Left))
+        Q_EMIT widened(m_column, right ? sKeyStep : -sKeyStep);
+    else
+        QAbstractButton::keyPressEvent(event);
 }
 
 void FlHeaderButton::paintEvent(QPaintEvent *)
@@ -137,6 +148,7 @@ FlHeader::FlHeader(QWidget *parent) : QWidget(parent)
         m_buttons[i] = new FlHeaderButton(column, this);
         connect(m_buttons[i], &QAbstractButton::clicked, this,
                 [this, column] { Q_EMIT pressed(column); });
+        connect(m_buttons[i], &FlHeaderButton::widened, this, &FlHeader::drag);
     }
     for (int column = 1; column <= FL_COLUMNS; ++column) {
         FlHeaderHandle *handle = new FlHeaderHandle(column, this);

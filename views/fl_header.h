@@ -21,8 +21,12 @@ public:
     FlHeaderButton(int column, QWidget *parent);
     QSize sizeHint() const override;
 
+Q_SIGNALS:
+    void widened(int column, int by); // by the keyboard: Ctrl with Left or Right
+
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     bool event(QEvent *event) override;
 
 private:

@@ -119,6 +119,20 @@ private Q_SLOTS:
         QCOMPARE(fl_get_column_width(2), FL_WIDTH_MIN);
     }
 
+    void keys_on_a_section_sort_and_change_its_width()
+    {
+        show(2);
+        FlHeaderButton *button = header()->button(2);
+        button->setFocus(Qt::TabFocusReason);
+        const int width = fl_get_column_width(2);
+        QTest::keyClick(button, Qt::Key_Right, Qt::ControlModifier);
+        QVERIFY(fl_get_column_width(2) > width);
+        QTest::keyClick(button, Qt::Key_Left, Qt::ControlModifier);
+        QCOMPARE(fl_get_column_width(2), width);
+        QTest::keyClick(button, Qt::Key_Space);
+        QCOMPARE(button->property("sort_image").toString(), QStringLiteral("image_sort_up"));
+    }
+
     void double_click_on_a_handle_fits_the_column()
     {
         m_dir->file(std::string(60, 'W'));
