@@ -3,9 +3,12 @@
 
 #include "platform/lengths.h"
 #include "platform/res.h"
+#include "views/fl_header_menu.h"
 
+#include <QContextMenuEvent>
 #include <QEvent>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QStyleOptionHeader>
@@ -157,6 +160,13 @@ FlHeader::FlHeader(QWidget *parent) : QWidget(parent)
         connect(handle, &FlHeaderHandle::fit_wanted, this, &FlHeader::fit_wanted);
     }
     place();
+}
+
+void FlHeader::contextMenuEvent(QContextMenuEvent *event)
+{
+    QMenu *menu = fl_header_menu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->popup(event->globalPos());
 }
 
 QSize FlHeader::sizeHint() const { return {length(), m_buttons[0]->sizeHint().height()}; }

@@ -47,6 +47,13 @@ void x_sort()
 
 DirCompare fl_sort_function() { return sSortFunction; }
 int fl_sort_order() { return sSortOrder; }
+int fl_sort_column() { return sSortColumn; }
+
+void fl_sort_again()
+{
+    x_sort();
+    fl_update();
+}
 
 void show_sort_method()
 {
@@ -63,8 +70,7 @@ void fl_sort_cb(int column)
     sSortColumn = column;
     sSortFunction = sCompares[column - 1];
     show_sort_method();
-    x_sort();
-    fl_update();
+    fl_sort_again();
     if (FlView *view = fl_view())
         view->setFocus(Qt::OtherFocusReason);
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 class QMenu;
+class QObject;
 class QWidget;
 
 namespace tav {
@@ -12,5 +13,8 @@ int gm_back(QWidget *widget);
 int gm_forward(QWidget *widget);
 int gm_up(QWidget *widget);
 int gm_home(QWidget *widget); // nothing without "HOME"
+
+// Lets the mouse's side buttons lead Back and Forward wherever they are pressed in the window.
+void gm_watch_buttons(QObject *window);
 
 } // namespace tav

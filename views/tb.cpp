@@ -119,6 +119,7 @@ void tb_setup()
         button->setCheckable(true);
         button->setChecked(gConfig->hotlist_shown);
     }
+    gm_watch_buttons(gBase);
     tb_path_setup(w_find<QToolBar>("path_tb"));
     tb_filter_setup(w_find<QToolBar>("filter_tb"));
 }

@@ -6,6 +6,12 @@
 
 namespace tav {
 
+namespace {
+
+constexpr int GREEDY_WIDTH = 4000; // more than any row of bars has to give
+
+} // namespace
+
 bool TbEdit::event(QEvent *event)
 {
     if (event->type() == QEvent::ShortcutOverride) {
@@ -49,6 +55,25 @@ TbBox::TbBox(QWidget *parent) : QComboBox(parent), edit_(new TbEdit(this))
 }
 
 bool TbBox::is_typing() const { return edit_->hasFocus() && edit_->isModified(); }
+
+void TbBox::set_greedy()
+{
+    greedy_ = true;
+    updateGeometry();
+}
+
+QSize TbBox::sizeHint() const
+{
+    const QSize size = QComboBox::sizeHint();
+    return greedy_ ? QSize(GREEDY_WIDTH, size.height()) : size;
+}
+
+// Below this a bar leaves the box out instead of making it narrower.
+QSize TbBox::minimumSizeHint() const
+{
+    const QSize size = QComboBox::sizeHint();
+    return greedy_ ? QSize(QComboBox::minimumSizeHint().width(), size.height()) : size;
+}
 
 void TbBox::keyPressEvent(QKeyEvent *event)
 {

@@ -26,6 +26,9 @@ class TbBox : public QComboBox {
 public:
     explicit TbBox(QWidget *parent = nullptr);
     TbEdit *edit() const { return edit_; }
+    void set_greedy(); // takes whatever room its bar can have
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
     bool is_typing() const; // a person changed the text and is still in it
 
 Q_SIGNALS:
@@ -37,6 +40,7 @@ protected:
 
 private:
     TbEdit *edit_;
+    bool greedy_ = false;
 };
 
 } // namespace tav

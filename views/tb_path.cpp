@@ -99,6 +99,7 @@ void tb_path_setup(QToolBar *bar)
     path->setAccessibleName(QStringLiteral("Path"));
     path->setToolTip(QStringLiteral("Current directory"));
     path->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    path->set_greedy();
     bar->addWidget(path);
     QObject::connect(path, &TbBox::entered, path, [path] { tb_curpath_cb(path); });
     QObject::connect(path->edit(), &TbEdit::typed, path, [path] { tb_curpath_notify(path); });

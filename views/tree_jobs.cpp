@@ -7,7 +7,6 @@
 #include <csignal>
 #include <cstring>
 #include <deque>
-#include <dirent.h>
 #include <fcntl.h>
 #include <functional>
 #include <pthread.h>
@@ -16,6 +15,7 @@
 namespace tav {
 
 void (*gTreeProbeNotify)();
+TreeCalls gTreeCalls = {fs_path_has_subdirectories, opendir};
 
 namespace {
 
@@ -86,7 +86,7 @@ void probe_work()
         p.begun.notify_all();
         lock.unlock();
         probe.subdirectories =
-            fs_path_has_subdirectories(nullptr, probe.path.c_str(), fs_flags(probe.dot_names));
+            gTreeCalls.has_subdirectories(nullptr, probe.path.c_str(), fs_flags(probe.dot_names));
         lock.lock();
         p.answers.push_back(std::move(probe));
         if (p.answers.size() == 1 && gTreeProbeNotify) {
@@ -158,14 +158,14 @@ void hand_over(TreeLevel &level, std::vector<TreeRow> &rows, bool done)
 void read_level(TreeLevel &level, const TreeLevelRequest &request)
 {
     std::vector<TreeRow> rows;
-    DIR *dir = opendir(request.path.c_str());
+    DIR *dir = gTreeCalls.open(request.path.c_str());
     while (dir && !level.cancel) {
         const struct dirent *entry = readdir(dir);
         if (!entry)
             break;
         if (!is_wanted(request, entry->d_name) || !is_directory(dirfd(dir), entry))
             continue;
-        const int subdirectories = fs_path_has_subdirectories(request.path.c_str(), entry->d_name,
+        const int subdirectories = gTreeCalls.has_subdirectories(request.path.c_str(), entry->d_name,
                                                               fs_flags(request.dot_names));
         rows.push_back({entry->d_name, subdirectories});
         if (rows.size() == LEVEL_BATCH)

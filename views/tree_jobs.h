@@ -10,6 +10,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
+#include <dirent.h>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -60,6 +61,13 @@ extern void (*gTreeProbeNotify)();
 void tree_probe_ask(std::vector<TreeProbe> questions);
 void tree_probe_forget();                    // drops the questions that nobody has begun
 std::vector<TreeProbe> tree_probe_answers(); // takes what is answered
+
+// What the workers ask the system; tests put calls of their own here, for disks that hang.
+struct TreeCalls {
+    int (*has_subdirectories)(const char *parent, const char *name, unsigned flags);
+    DIR *(*open)(const char *path);
+};
+extern TreeCalls gTreeCalls;
 
 constexpr int TREE_WORKERS = 4;      // threads that answer probes
 constexpr int TREE_WORKERS_MAX = 32; // with those that hang

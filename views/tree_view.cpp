@@ -11,13 +11,27 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QStyledItemDelegate>
+#include <algorithm>
 
 namespace tav {
 
 namespace {
 
+constexpr int ROW_MARGIN = 6; // pixels of a row beside its text's height, as the file list has
 constexpr double CURSOR_OPACITY = 0.28;       // of the highlight behind the cursor row
 constexpr double CURSOR_FAINT_OPACITY = 0.12; // the same while the keyboard is elsewhere
+
+class RowDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        QSize size = QStyledItemDelegate::sizeHint(option, index);
+        size.setHeight(std::max(size.height(), option.fontMetrics.height() + ROW_MARGIN));
+        return size;
+    }
+};
 
 // In this order: 0 collapsed, 1 expanded, 2 not used, 3 not to be read.
 const QIcon &image(int index)
@@ -72,6 +86,7 @@ QVariant TreeItem::data(int column, int role) const
 TreeView::TreeView(QWidget *parent) : QTreeWidget(parent)
 {
     setColumnCount(1);
+    setItemDelegate(new RowDelegate(this));
     setHeaderHidden(true);
     setUniformRowHeights(true);
     setSelectionMode(NoSelection);

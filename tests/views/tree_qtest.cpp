@@ -1,7 +1,38 @@
 // The directory tree: its two modes, its levels, its clicks and keys.
+#include "views/tree_jobs.h"
 #include "ways_fixture.h"
 
+#include <atomic>
+
 namespace tav {
+
+namespace {
+
+std::atomic<bool> sHang; // directories whose path holds "hang" do not answer
+std::atomic<int> sHanging;
+
+void wait_while_hanging(const char *path)
+{
+    if (!strstr(path, "hang"))
+        return;
+    ++sHanging;
+    test_wait([] { return !sHang; }, 60000);
+    --sHanging;
+}
+
+int slow_has_subdirectories(const char *parent, const char *name, unsigned)
+{
+    wait_while_hanging(parent ? parent : name);
+    return 1;
+}
+
+DIR *slow_open(const char *path)
+{
+    wait_while_hanging(path);
+    return opendir(path);
+}
+
+} // namespace
 
 class TreeTest : public QObject {
     Q_OBJECT
@@ -358,6 +389,119 @@ private Q_SLOTS:
             QVERIFY(before < m->row(i, m->row(0))->name);
             before = m->row(i, m->row(0))->name;
         }
+    }
+
+    void a_hanging_directory_freezes_nothing()
+    {
+        const TreeCalls before = gTreeCalls;
+        gTreeCalls = {slow_has_subdirectories, slow_open};
+        sHang = true;
+        m->dir.dir("hang/inner");
+        m->dir.dir("quick/inner");
+        tree_set_paths({m->dir.at("hang"), m->dir.at("quick")});
+        tree_build(m->tree);
+        QCOMPARE(m->tree->topLevelItemCount(), 2); // the rows stand at once
+        QVERIFY(QTest::qWaitFor([this] { return m->row(1)->look == TreeLook::Expandable; }));
+        QCOMPARE(m->row(0)->look, TreeLook::Unknown);
+        m->row(1)->setExpanded(true);
+        QCOMPARE(m->labels(m->row(1)), std::string("inner"));
+        m->row(0)->setChildIndicatorPolicy(QTreeWidgetItem::ShowIndicator);
+        m->row(0)->setExpanded(true); // gives up waiting and goes on
+        QCOMPARE(m->row(0)->childCount(), 0);
+        QVERIFY(!wblock_is_blocked(gBase));
+        sHang = false;
+        QVERIFY(QTest::qWaitFor([this] { return m->row(0)->childCount() == 1; }));
+        m->settle();
+        QTRY_COMPARE(sHanging.load(), 0);
+        gTreeCalls = before;
+    }
+
+    void a_row_may_go_while_its_level_is_being_read()
+    {
+        const TreeCalls before = gTreeCalls;
+        gTreeCalls = {slow_has_subdirectories, slow_open};
+        m->dir.dir("hang/inner");
+        sHang = true;
+        m->hotlist_unsettled({m->dir.at("hang"), "/usr"});
+        m->row(0)->setChildIndicatorPolicy(QTreeWidgetItem::ShowIndicator);
+        m->row(0)->setExpanded(true);
+        tree_remove(m->tree, m->dir.at("hang").c_str());
+        sHang = false;
+        QTRY_COMPARE(sHanging.load(), 0);
+        m->settle();
+        QCOMPARE(m->labels(), std::string("/usr"));
+        gTreeCalls = before;
+    }
+
+    void dropping_beside_another_row_reorders_the_hotlist()
+    {
+        m->hotlist({"/usr", "/etc", "/tmp"});
+        tree_input_cb(m->tree, m->row(2));
+        QCOMPARE(tree_outbound_cb(m->tree), 0);
+        tree_dnd_cb(m->tree, m->row(0), false);
+        QCOMPARE(m->labels(), std::string("/tmp /usr /etc"));
+        QCOMPARE(gTree.paths, (std::vector<std::string>{"/tmp", "/usr", "/etc"}));
+        QCOMPARE(m->tree->current(), m->row(0)); // the cursor goes along
+        tree_input_cb(m->tree, m->row(0));
+        tree_dnd_cb(m->tree, m->row(2), true);
+        QCOMPARE(m->labels(), std::string("/usr /etc /tmp"));
+        tree_save(m->tree, m->dir.path().c_str(), "hotlist.001");
+        QCOMPARE(m->dir.read("hotlist.001"), std::string("/usr\n/etc\n/tmp\n"));
+    }
+
+    void a_moved_row_keeps_its_open_level()
+    {
+        m->dir.dir("top/inner");
+        m->hotlist({"/usr", m->dir.at("top")});
+        m->row(1)->setExpanded(true);
+        tree_input_cb(m->tree, m->row(1));
+        tree_dnd_cb(m->tree, m->row(0), false);
+        QVERIFY(m->row(0)->isExpanded());
+        QCOMPARE(m->labels(m->row(0)), std::string("inner"));
+    }
+
+    void a_drop_below_the_top_level_changes_nothing()
+    {
+        m->dir.dir("top/inner");
+        m->hotlist({"/usr", m->dir.at("top")});
+        m->row(1)->setExpanded(true);
+        tree_input_cb(m->tree, m->row(0));
+        tree_dnd_cb(m->tree, m->row(0, m->row(1)), true);
+        QCOMPARE(gTree.paths, (std::vector<std::string>{"/usr", m->dir.at("top")}));
+        tree_input_cb(m->tree, m->row(0, m->row(1))); // no top-level row: no drag
+        QVERIFY(!tree_dnd_item());
+        QCOMPARE(tree_outbound_cb(m->tree), -1);
+    }
+
+    void rows_of_entered_mode_are_not_reordered()
+    {
+        m->dir.dir("a");
+        m->dir.dir("b");
+        tree_set_paths({"/usr"});
+        tree_set_contents(m->tree, m->dir.path().c_str());
+        tree_input_cb(m->tree, m->row(2));
+        QCOMPARE(tree_outbound_cb(m->tree), -1);
+        tree_dnd_cb(m->tree, m->row(1), false);
+        QCOMPARE(m->labels(), std::string(".. a b"));
+        QCOMPARE(gTree.paths, std::vector<std::string>{"/usr"});
+    }
+
+    void plain_characters_are_the_trees_own()
+    {
+        m->hotlist({"/usr"});
+        m->tree->setFocus();
+        const auto owned = [this](int key, Qt::KeyboardModifiers with, const char *text) {
+            QKeyEvent event(QEvent::ShortcutOverride, key, with, QLatin1String(text));
+            event.ignore();
+            QApplication::sendEvent(m->tree, &event);
+            return event.isAccepted();
+        };
+        QVERIFY(owned(Qt::Key_V, Qt::NoModifier, "v"));
+        QVERIFY(owned(Qt::Key_Return, Qt::NoModifier, "\r"));
+        QVERIFY(owned(Qt::Key_Return, Qt::ControlModifier, "\r"));
+        QVERIFY(!owned(Qt::Key_Return, Qt::ShiftModifier, "\r"));
+        QVERIFY(!owned(Qt::Key_E, Qt::ControlModifier, "\x05"));
+        QVERIFY(!owned(Qt::Key_F5, Qt::NoModifier, ""));
     }
 
     void setting_up_gives_the_tree_its_font()

@@ -122,9 +122,13 @@ struct WaysWindow {
     // Fills the hotlist and waits until every row knows what it is.
     void hotlist(const std::vector<std::string> &paths)
     {
+        hotlist_unsettled(paths);
+        settle();
+    }
+    void hotlist_unsettled(const std::vector<std::string> &paths)
+    {
         tree_set_paths(paths);
         tree_build(tree);
-        settle();
     }
     void settle()
     {

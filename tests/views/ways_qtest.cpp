@@ -1,4 +1,6 @@
 // Status bar, Back and Forward, and the Go, View and Hotlist menus.
+#include "views/fl_header_menu.h"
+#include "views/fl_sort.h"
 #include "ways_fixture.h"
 
 namespace tav {
@@ -144,6 +146,42 @@ private Q_SLOTS:
         QCOMPARE(gDir.path, m->dir.at("b"));
         QCOMPARE(back(), (std::vector{start}));
         QCOMPARE(forward(), (std::vector{m->dir.at("b")}));
+    }
+
+    void the_mouses_side_buttons_lead_back_and_forward()
+    {
+        visit("a");
+        QTest::mouseClick(m->list->viewport(), Qt::BackButton);
+        QCOMPARE(gDir.path, m->dir.path());
+        QTest::mouseClick(m->tree->viewport(), Qt::ForwardButton);
+        QCOMPARE(gDir.path, m->dir.at("a"));
+        QTest::mouseClick(m->tree->viewport(), Qt::ForwardButton); // nothing ahead: nothing
+        QCOMPARE(fl_get_back_count(), 1);
+    }
+
+    void the_headers_menu_sorts_and_puts_folders_first()
+    {
+        m->dir.file("a");
+        m->dir.dir("b");
+        fl_refresh();
+        gConfig->folders_first = 0;
+        std::unique_ptr<QMenu> header(fl_header_menu(m->list));
+        QAction *first = menu_item_find(header.get(), "folders_first");
+        QVERIFY(first && !first->isChecked());
+        QVERIFY(menu_item_find(header.get(), "sort_fh_filename")->isChecked());
+        fl_goto("a", 0, FL_EXACT);
+        first->trigger();
+        QCOMPARE(gConfig->folders_first, 1);
+        QCOMPARE(std::string(gDir.entries[0]->name), std::string("b"));
+        QCOMPARE(gDir.current, 1); // stays on "a"
+        header.reset(fl_header_menu(m->list));
+        QVERIFY(menu_item_find(header.get(), "folders_first")->isChecked());
+        menu_item_find(header.get(), "folders_first")->trigger();
+        QCOMPARE(std::string(gDir.entries[0]->name), std::string("a"));
+        menu_item_find(header.get(), "sort_fh_date")->trigger();
+        header.reset(fl_header_menu(m->list));
+        QVERIFY(menu_item_find(header.get(), "sort_fh_date")->isChecked());
+        fl_sort_reset();
     }
 
     void go_menu_offers_what_leads_somewhere()
