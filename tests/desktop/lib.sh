@@ -140,3 +140,6 @@ shot() { import -silent -window root "$1"; }
 # look: what assistive technology sees of tav, one line per widget (needs desktop_bus).
 look() { /usr/bin/python3 "$desktop_dir/look.py" "${1:-$tav_pid}"; }
 look_has() { look | grep -F -- "$1" >/dev/null; } # reads on to the end, or look would be cut off
+
+# place_of NAME: where the first thing of that name is, as "X Y" (needs desktop_bus).
+place_of() { /usr/bin/python3 "$desktop_dir/look.py" "$tav_pid" "$1"; }

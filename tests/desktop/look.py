@@ -1,6 +1,8 @@
 #!/usr/bin/python3
 """Prints what assistive technology sees of a running program: one line per visible widget, indented by
-depth: ROLE "NAME" ["TEXT"] [STATES]. Usage: look.py PID"""
+depth: ROLE "NAME" ["TEXT"] [STATES]. Usage: look.py PID
+
+With a name behind it: where the middle of the first thing of that name is on the screen, as "X Y"."""
 
 import sys
 
@@ -36,11 +38,33 @@ def show(node, depth):
             show(child, depth + 1)
 
 
+def find(node, name):
+    if node.name == name and node.getState().contains(pyatspi.STATE_VISIBLE):
+        return node
+    for i in range(min(node.childCount, ROWS_MOST)):
+        child = node.getChildAtIndex(i)
+        found = find(child, name) if child is not None else None
+        if found is not None:
+            return found
+    return None
+
+
+def show_place(application, name):
+    node = find(application, name)
+    if node is None:
+        return 1
+    box = node.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+    print(box.x + box.width // 2, box.y + box.height // 2)
+    return 0
+
+
 def main():
     pid = int(sys.argv[1])
     desktop = pyatspi.Registry.getDesktop(0)
     for application in desktop:
         if application is not None and application.get_process_id() == pid:
+            if len(sys.argv) > 2:
+                return show_place(application, sys.argv[2])
             show(application, 0)
             return 0
     return 1
