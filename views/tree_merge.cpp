@@ -29,29 +29,31 @@ Paths without_repeats(const Paths &paths)
     return filtered(paths, [&](const std::string &path) { return seen.insert(path).second; });
 }
 
-// Puts the entries of more that base_order lacks into it, each behind the entry that it follows in
-// more (at the front when it follows none).
+// Puts the entries of more that base_order lacks into it: what stood last stands last, every other
+// one behind the entry that it follows in more (at the front when it follows none).
 Paths woven(const Paths &base_order, const Paths &more)
 {
     const Set placed = set_of(base_order);
     std::unordered_map<std::string, Paths> behind; // by the placed entry in front
-    Paths first;
+    Paths first, run;                              // at the front; since the last placed entry
     const std::string *before = nullptr;
     for (const std::string &path : more) {
-        if (placed.count(path))
-            before = &path;
-        else if (before)
-            behind[*before].push_back(path);
-        else
-            first.push_back(path);
+        if (!placed.count(path)) {
+            run.push_back(path);
+            continue;
+        }
+        (before ? behind[*before] : first).swap(run);
+        run.clear();
+        before = &path;
     }
     Paths out = std::move(first);
     for (const std::string &path : base_order) {
         out.push_back(path);
-        auto follow = behind.find(path);
+        const auto follow = behind.find(path);
         if (follow != behind.end())
             out.insert(out.end(), follow->second.begin(), follow->second.end());
     }
+    out.insert(out.end(), run.begin(), run.end());
     return out;
 }
 

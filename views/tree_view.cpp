@@ -6,6 +6,7 @@
 #include "views/tree.h"
 #include "views/tree_jobs.h"
 
+#include <QApplication>
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -18,7 +19,8 @@ namespace tav {
 
 namespace {
 
-constexpr int ROW_MARGIN = 6; // pixels of a row beside its text's height, as the file list has
+constexpr int ROW_MARGIN = 6; // pixels of a row beside its image or text, as in the file list
+constexpr int IMAGE_SIZE = 16;
 constexpr double CURSOR_OPACITY = 0.28;       // of the highlight behind the cursor row
 constexpr double CURSOR_FAINT_OPACITY = 0.12; // the same while the keyboard is elsewhere
 
@@ -28,7 +30,8 @@ public:
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
     {
         QSize size = QStyledItemDelegate::sizeHint(option, index);
-        size.setHeight(std::max(size.height(), option.fontMetrics.height() + ROW_MARGIN));
+        size.setHeight(std::max(
+            {size.height(), option.fontMetrics.height() + ROW_MARGIN, IMAGE_SIZE + ROW_MARGIN}));
         return size;
     }
 };
@@ -89,6 +92,7 @@ TreeView::TreeView(QWidget *parent) : QTreeWidget(parent)
     setItemDelegate(new RowDelegate(this));
     setHeaderHidden(true);
     setUniformRowHeights(true);
+    setIconSize(QSize(IMAGE_SIZE, IMAGE_SIZE));
     setSelectionMode(NoSelection);
     setExpandsOnDoubleClick(false);
     setEditTriggers(NoEditTriggers);
@@ -137,7 +141,20 @@ void TreeView::keyPressEvent(QKeyEvent *event)
 void TreeView::mousePressEvent(QMouseEvent *event)
 {
     tree_input_cb(this, item_at(event->pos()));
+    pressed_ = event->pos();
     QTreeWidget::mousePressEvent(event);
+}
+
+// The view itself would begin a drag only from a selection, and the tree has none.
+void TreeView::mouseMoveEvent(QMouseEvent *event)
+{
+    if (!event->buttons()) {
+        QTreeWidget::mouseMoveEvent(event);
+        return;
+    }
+    const int moved = (event->pos() - pressed_).manhattanLength();
+    if ((event->buttons() & Qt::LeftButton) && moved >= QApplication::startDragDistance())
+        startDrag(Qt::MoveAction);
 }
 
 void TreeView::mouseDoubleClickEvent(QMouseEvent *event)

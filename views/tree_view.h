@@ -46,6 +46,7 @@ protected:
     bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
@@ -65,6 +66,7 @@ protected:
 private:
     void show_place(const QPoint &position);
 
+    QPoint pressed_;            // where the button went down
     TreeItem *place_ = nullptr; // the row beside which the dragged one would go
     bool place_after_ = false;
 };

@@ -5,7 +5,7 @@
 # shellcheck source=tests/desktop/lib.sh
 source "$(dirname "$0")/lib.sh"
 
-rows() { look | grep -oE "\"$work/(one|two|three|four)\"" | tr -d '"' | xargs -r -n 1 basename | uniq | xargs; }
+rows() { look | grep -oE "table cell \"$work/[a-z]+\"" | grep -oE "[a-z]+.\$" | tr -d "\"" | xargs; }
 rows_are() { [ "$(rows)" = "$1" ]; }
 file_is() { [ "$(xargs -r -n 1 basename <"$HOME/.ph/tav/hotlist.001" | xargs)" = "$1" ]; }
 middle() { place_of "$work/$1"; }
