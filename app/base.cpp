@@ -7,8 +7,16 @@
 #include "app/interp.h"
 #include "app/menu.h"
 #include "app/start.h"
+#include "commands/clip.h"
+#include "commands/dnd.h"
+#include "commands/dtm.h"
+#include "commands/em.h"
 #include "commands/fm.h"
+#include "commands/fm_dlg.h"
 #include "commands/misc_ui.h"
+#include "commands/transf.h"
+#include "fileops/fop.h"
+#include "fileops/new_dlg.h"
 #include "fileops/slot.h"
 #include "platform/combo.h"
 #include "platform/lengths.h"
@@ -17,6 +25,8 @@
 #include "ui_base.h"
 #include "views/fl.h"
 #include "views/fl_view.h"
+#include "views/hm.h"
+#include "views/prop.h"
 #include "views/status.h"
 #include "views/tb.h"
 #include "views/tree.h"
@@ -37,12 +47,16 @@ namespace {
 
 bool sLeft = false; // base_closing has run; once is enough
 
-void x_show_hotlist_menu(const QPoint &global)
+void x_show_menu(const MenuTable &table, const QPoint &global)
 {
-    QMenu *menu = menu_create(gHotlistMenu, gBase, false);
+    QMenu *menu = menu_create(table, gBase, false);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->popup(global);
 }
+
+void x_show_hotlist_menu(const QPoint &global) { x_show_menu(gHotlistMenu, global); }
+
+void x_show_list_menu(const QPoint &global) { x_show_menu(gListMenu, global); }
 
 // Everything that a lower floor asks of a higher one.
 void x_fill_hooks()
@@ -56,8 +70,29 @@ void x_fill_hooks()
     gFlHooks.has_open = fm_has_open;
     gFlHooks.run_program = fm_run_program;
     gFlHooks.status_update = status_bar_update;
+    gFlHooks.context_menu = x_show_list_menu;
+    gFlHooks.cut_fetch = file_get_cut_files;
+    gFlHooks.cut_any = [] { return file_any_cut(gDir.path); };
+    gFlHooks.is_cut = file_is_cut;
+    gFlHooks.drag_start = dnd_start;
+    gFlHooks.drop_accepts = dnd_accepts;
+    gFlHooks.drop = dnd_drop;
+    gFopHooks.get_cut_files = file_get_cut_files;
+    gFopHooks.uncut = file_uncut;
+    gFopHooks.one_dir_packed = [] { return one_dir_packed; };
+    gHmHooks.add_directory = dtm_insert_item;
+    clip_set_notify(em_marks_changed);
     gTbHooks.terminal = fm_open_pterm;
     gSlotHooks.exit = [] { QCoreApplication::exit(EXIT_SUCCESS); }; // quit() would ask every window
+    gTbHooks.cut = em_cut;
+    gTbHooks.copy = em_copy;
+    gTbHooks.paste = em_paste;
+    gTbHooks.erase = em_delete;
+    gTbHooks.new_folder = fm_new_folder;
+    gTbHooks.properties = fm_inspect;
+    gNewHooks.refresh = fl_refresh;
+    gNewHooks.show = fm_show_new;
+    gPropHooks.filetype = fm_filetype;
     gTreeHooks.context_menu = x_show_hotlist_menu;
 }
 
@@ -169,6 +204,7 @@ void base_create(const Options &options)
     base_opening();
     x_show(options);
     base_setup(BaseReason::after_realize);
+    clip_setup();
 }
 
 int base_setup(BaseReason reason)

@@ -1,9 +1,13 @@
 // The menus of the program, as they stand.
+#include "app/about.h"
 #include "app/base.h"
+#include "app/config_dlg.h"
 #include "app/menu.h"
-#include "commands/em_select.h"
+#include "commands/em.h"
 #include "commands/fm.h"
+#include "commands/fm_dlg.h"
 #include "commands/fm_refresh.h"
+#include "commands/lcm.h"
 #include "platform/w.h"
 #include "views/gm.h"
 #include "views/hm.h"
@@ -22,6 +26,8 @@ int fm_exit(QWidget *)
 
 constexpr MenuRow sFileMenu[] = {
     menu_submenu(1, "fm_new", "&New"),
+    menu_command(2, "fm_new_file", "F&ile", fm_new_file, 0, "F3"),
+    menu_command(2, "fm_new_folder", "&Folder", fm_new_folder, 0, "F4"),
     menu_command(2, "fm_new_window", "&Window", fm_new_window, MENU_CTRL, "N"),
     menu_line(1),
     menu_command(1, "fm_open", "&Open", fm_open, 0, "Ret"),
@@ -37,16 +43,31 @@ constexpr MenuRow sFileMenu[] = {
     menu_command(1, "fm_print", "&Print", fm_print, MENU_CTRL, "P"),
     menu_command(1, "fm_print_directory", "Print Dire&ctory", nullptr),
     menu_line(1),
+    menu_command(1, "fm_inspect", "&Inspect...", fm_inspect, 0, "F9"),
+    menu_line(1),
     menu_command(1, "fm_exit", "E&xit", fm_exit, MENU_ALT, "X"),
     MENU_END,
 };
 
 constexpr MenuRow sEditMenu[] = {
+    menu_command(1, "em_cut", "Cu&t", em_cut, MENU_CTRL, "X"),
+    menu_command(1, "em_copy", "C&opy", em_copy, MENU_CTRL, "C"),
+    menu_command(1, "em_paste", "&Paste", em_paste, MENU_CTRL, "V"),
+    menu_command(1, "em_delete", "&Delete", em_delete, 0, "Del"),
+    menu_command(1, "em_rename", "&Rename", em_rename, 0, "F2"),
+    menu_line(1),
+    menu_function(1, "em_populate", em_populate),
+    menu_line(1),
     menu_submenu(1, "em_select", "&Select"),
     menu_command(2, "em_select_all", "&All", em_select_all, MENU_CTRL, "A"),
+    menu_command(2, "em_select_pattern", "&Pattern", em_select_pattern, MENU_CTRL, "S"),
     menu_submenu(1, "em_unselect", "&Unselect"),
     menu_command(2, "em_unselect_all", "&All", em_unselect_all, MENU_CTRL, "U"),
+    menu_command(2, "em_unselect_pattern", "&Pattern", em_unselect_pattern),
     menu_command(1, "em_invert", "&Invert Selection", em_invert_selection, MENU_CTRL, "I"),
+    menu_line(1),
+    menu_command(1, "em_preferences", "&Preferences...", em_edit_preferences, 0, "F10"),
+    menu_command(1, "em_associations", "&Associations...", em_edit_associations, 0, "F11"),
     MENU_END,
 };
 
@@ -83,6 +104,19 @@ constexpr MenuRow sHotlistMenu[] = {
     MENU_END,
 };
 
+constexpr MenuRow sHelpMenu[] = {
+    menu_command(1, "help_about", "&About", help_about),
+    MENU_END,
+};
+
+// What depends on the selection comes below it when the menu opens.
+constexpr MenuRow sListContext[] = {
+    menu_submenu(1, "lcm_new", "&New"),
+    menu_command(2, "lcm_new_folder", "F&older", fm_new_folder),
+    menu_command(2, "lcm_new_file", "F&ile", fm_new_file),
+    MENU_END,
+};
+
 constexpr MenuRow sHotlistContext[] = {
     menu_command(1, "hcm_add", "Add", tree_add_cb, MENU_CTRL, "D"),
     menu_command(1, "hcm_delete", "Remove", tree_delete_cb, MENU_CTRL, "R"),
@@ -95,13 +129,15 @@ constexpr MenuRow sHotlistContext[] = {
 
 const MenuTable gMenuBar[] = {
     {"file_menu", "&File", sFileMenu, fm_setup},
-    {"edit_menu", "&Edit", sEditMenu, nullptr},
+    {"edit_menu", "&Edit", sEditMenu, em_setup},
     {"view_menu", "&View", sViewMenu, vm_setup},
     {"go_menu", "&Go", sGoMenu, gm_setup},
     {"hotlist_menu", "&Hotlist", sHotlistMenu, hm_setup},
+    {"help_menu", "&Help", sHelpMenu, nullptr},
     {nullptr, nullptr, nullptr, nullptr},
 };
 
-const MenuTable gHotlistMenu = {"hotlist_cmenu", "", sHotlistContext, nullptr};
+const MenuTable gListMenu = {"list_cmenu", "", sListContext, lcm_setup};
+const MenuTable gHotlistMenu = {"hotlist_cmenu", "", sHotlistContext, hcm_setup};
 
 } // namespace tav

@@ -37,8 +37,8 @@ struct FlHooks {
     bool (*is_cut)(const std::string &directory, std::string_view name);
     void (*drag_start)(); // the pointer left with the selection held
     // A drag is over the list; index: the entry under it, or DIR_NONE. Whether it may be dropped
-    // there.
-    bool (*drop_accepts)(const QDropEvent &event, int index);
+    // there; sets the action that the pointer shows.
+    bool (*drop_accepts)(QDropEvent &event, int index);
     // It was dropped. index: the directory or ".." (DIR_PARENT) dropped on, DIR_NONE for the list
     // itself.
     void (*drop)(QDropEvent &event, int index);

@@ -336,7 +336,7 @@ private Q_SLOTS:
         fl_setpath(m_dir->path().c_str());
         static std::vector<int> sDropped;
         sDropped.clear();
-        gFlHooks.drop_accepts = [](const QDropEvent &, int) { return true; };
+        gFlHooks.drop_accepts = [](QDropEvent &, int) { return true; };
         gFlHooks.drop = [](QDropEvent &, int index) { sDropped.push_back(index); };
         const QMimeData data;
         const auto drop = [&](const QPoint &at) {
@@ -358,7 +358,7 @@ private Q_SLOTS:
         m_dir->dir("d");
         m_dir->file("f");
         fl_setpath(m_dir->path().c_str());
-        gFlHooks.drop_accepts = [](const QDropEvent &, int) { return true; };
+        gFlHooks.drop_accepts = [](QDropEvent &, int) { return true; };
         const QMimeData data;
         QDragEnterEvent enter(m_window->at(0), Qt::MoveAction, &data, Qt::LeftButton,
                               Qt::NoModifier);

@@ -1,0 +1,160 @@
+// The clipboard as far as it holds files: following it, marks of cut files, taking names out of a
+// cut.
+#include "commands/clip.h"
+#include "commands/clip_offer.h"
+#include "commands/clip_read.h"
+#include "commands/transf_marks.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QTimer>
+#include <cstring>
+
+namespace tav {
+
+namespace {
+
+struct ClipState {
+    unsigned turn = 0;                  // counts the changes of the clipboard
+    bool reading = false;               // what it holds is not known yet
+    std::unique_ptr<TransfFiles> files; // what it holds; null: no files
+    TransfMarks marks;                  // of files, when they are a cut
+    std::function<void()> waiting;      // for the end of the reading
+    void (*notify)() = nullptr;
+    QTimer *gather = nullptr; // runs while names wait to be taken off the clipboard
+};
+
+ClipState &x_state()
+{
+    static ClipState state;
+    return state;
+}
+
+QClipboard *x_clipboard() { return QGuiApplication::clipboard(); }
+
+void x_known(std::unique_ptr<TransfFiles> files)
+{
+    ClipState &state = x_state();
+    const bool marked_before = state.marks.left != 0;
+    transf_marks_clear(state.marks);
+    state.reading = false;
+    state.files = std::move(files);
+    file_get_cut_files();
+    if (state.notify && (marked_before || state.marks.left != 0))
+        state.notify();
+    if (std::function<void()> waiting = std::exchange(state.waiting, nullptr))
+        waiting();
+}
+
+void x_changed()
+{
+    ClipState &state = x_state();
+    const unsigned turn = ++state.turn;
+    state.gather->stop(); // what was to be taken off is no longer there
+    state.reading = true;
+    if (const auto *own = qobject_cast<const ClipOffer *>(
+            x_clipboard()->ownsClipboard() ? x_clipboard()->mimeData() : nullptr)) {
+        x_known(std::make_unique<TransfFiles>(own->files()));
+        return;
+    }
+    clip_read_start([turn](std::unique_ptr<TransfFiles> files) {
+        if (turn == x_state().turn) // else it changed meanwhile and is read again
+            x_known(std::move(files));
+    });
+}
+
+// A window without the focus hears of no change under Wayland: it looks when it gets the focus.
+void x_active(Qt::ApplicationState state)
+{
+    if (state == Qt::ApplicationActive && !x_clipboard()->ownsClipboard() &&
+        QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+        x_changed();
+}
+
+// Gives the clipboard what is left of the cut that it holds. Somebody else's cut stays whole until
+// nothing of it is left: its form is not ours to change.
+void x_flush()
+{
+    ClipState &state = x_state();
+    if (state.reading || !state.files || !state.files->cut)
+        return;
+    if (state.marks.left == 0) {
+        x_clipboard()->setMimeData(new QMimeData); // holds nothing, whoever owned it before
+        return;
+    }
+    if (!state.files->ours)
+        return;
+    auto rest = std::make_shared<FileListRecord>(transf_own(state.files->lists.front()));
+    x_clipboard()->setMimeData(new ClipOffer(std::move(rest), true, state.files->id));
+}
+
+} // namespace
+
+void clip_setup()
+{
+    ClipState &state = x_state();
+    state.gather = new QTimer(qApp);
+    state.gather->setSingleShot(true);
+    state.gather->setInterval(CLIP_GATHER_MS);
+    QObject::connect(state.gather, &QTimer::timeout, qApp, x_flush);
+    QObject::connect(x_clipboard(), &QClipboard::dataChanged, qApp, x_changed);
+    QObject::connect(qApp, &QGuiApplication::applicationStateChanged, qApp, x_active);
+    x_changed();
+}
+
+void clip_put(std::shared_ptr<const FileListRecord> list, bool cut)
+{
+    x_clipboard()->setMimeData(new ClipOffer(std::move(list), cut, transf_new_id()));
+}
+
+const TransfFiles *clip_files() { return x_state().reading ? nullptr : x_state().files.get(); }
+
+void clip_when_known(std::function<void()> f)
+{
+    if (x_state().reading)
+        x_state().waiting = std::move(f);
+    else
+        f();
+}
+
+void clip_set_notify(void (*notify)()) { x_state().notify = notify; }
+
+bool em_check_clipboard_for_type(const char *type)
+{
+    const TransfFiles *files = clip_files();
+    return strcmp(type, TRANSF_COPY.data()) == 0 && files != nullptr &&
+           (!files->cut || x_state().marks.left != 0);
+}
+
+void file_get_cut_files()
+{
+    ClipState &state = x_state();
+    if (!state.files || !state.files->cut)
+        transf_marks_clear(state.marks);
+    else if (state.marks.directories.empty())
+        transf_marks_set(state.marks, *state.files);
+}
+
+bool file_is_cut(const std::string &directory, std::string_view name)
+{
+    return transf_marks_has(x_state().marks, directory, name);
+}
+
+bool file_any_cut(const std::string &directory)
+{
+    const TransfMarks &marks = x_state().marks;
+    auto found = marks.directories.find(directory);
+    return found != marks.directories.end() && !found->second.names.empty();
+}
+
+int file_uncut(const char *directory, const char *name)
+{
+    ClipState &state = x_state();
+    if (!transf_marks_remove(state.marks, directory, name))
+        return 0;
+    if (!state.gather->isActive())
+        state.gather->start();
+    return 1;
+}
+
+} // namespace tav

@@ -1,0 +1,46 @@
+// A file list as the desktop sees it: one object for the clipboard and for drags, whose forms are
+// made when somebody asks for them.
+#pragma once
+
+#include "commands/transf_take.h"
+
+#include <QMimeData>
+#include <memory>
+
+namespace tav {
+
+class ClipOffer : public QMimeData {
+    Q_OBJECT
+
+public:
+    // The list must own its texts.
+    ClipOffer(std::shared_ptr<const FileListRecord> list, bool cut, const TransfId &id);
+
+    QStringList formats() const override;
+    bool hasFormat(const QString &mime) const override;
+
+    const std::shared_ptr<const FileListRecord> &list() const { return m_list; }
+    bool cut() const { return m_cut; }
+    const TransfId &id() const { return m_id; }
+
+    // The offer's files as if they had been read: copies, so both live on their own.
+    TransfFiles files() const;
+
+protected:
+    QVariant retrieveData(const QString &mime, QMetaType type) const override;
+
+private:
+    std::string make(const QString &mime) const;
+
+    std::shared_ptr<const FileListRecord> m_list;
+    bool m_cut;
+    TransfId m_id;
+};
+
+// The forms of somebody else's offer. May wait for the program that offers.
+TransfForms clip_offer_forms(const QMimeData &data);
+
+// Whether the offer has a form that we take.
+bool clip_offer_takes(const QMimeData &data);
+
+} // namespace tav

@@ -1,0 +1,150 @@
+// Dragging files out of the list and onto it.
+#include "commands/dnd.h"
+#include "commands/clip_offer.h"
+#include "commands/dnd_picture.h"
+#include "commands/file_op.h"
+#include "fileops/fop.h"
+#include "model/dir.h"
+#include "model/es.h"
+#include "views/fl.h"
+#include "views/fl_view.h"
+
+#include <QDrag>
+#include <QDropEvent>
+#include <algorithm>
+#include <climits>
+#include <cstdlib>
+#include <sys/stat.h>
+
+namespace tav {
+
+namespace {
+
+bool x_same(const struct stat &a, const struct stat &b)
+{
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+// The path without links, as it is when it cannot be resolved.
+std::string x_resolved(const std::string &path)
+{
+    char resolved[PATH_MAX];
+    return realpath(path.c_str(), resolved) ? resolved : path;
+}
+
+bool x_same_directory(const std::string &a, const std::string &b)
+{
+    struct stat of_a, of_b;
+    return a == b ||
+           (stat(a.c_str(), &of_a) == 0 && stat(b.c_str(), &of_b) == 0 && x_same(of_a, of_b));
+}
+
+// The files of the drag; of our own without asking anybody.
+TransfFiles x_files(const QMimeData &data)
+{
+    if (const auto *own = qobject_cast<const ClipOffer *>(&data))
+        return own->files();
+    TransfFiles files;
+    transf_take(clip_offer_forms(data), files);
+    return files;
+}
+
+// What our own drag may not hit is known while it is over it; of others' it shows when they are
+// dropped.
+bool x_is_refused(const QMimeData &data, int index)
+{
+    const auto *own = qobject_cast<const ClipOffer *>(&data);
+    if (own == nullptr)
+        return false;
+    const std::string destination = dnd_destination(index);
+    return destination == own->list()->directory || dnd_is_inside(*own->list(), destination);
+}
+
+void x_start_jobs(TransfFiles &files, bool copy, const std::string &destination)
+{
+    for (FileListRecord &list : files.lists)
+        if (!x_same_directory(list.directory, destination))
+            _file_op(copy ? FOP_COPY : FOP_MOVE, std::move(list), destination.c_str());
+}
+
+} // namespace
+
+std::string dnd_destination(int index)
+{
+    std::string path = gDir.path;
+    if (index == DIR_PARENT) {
+        es_remove_subdirectory(path);
+        return path.empty() ? "/" : path;
+    }
+    return fl_takes_drop(index) ? fl_get_fullpath(index) : path;
+}
+
+bool dnd_is_inside(const FileListRecord &list, const std::string &destination)
+{
+    std::string upper = x_resolved(list.directory);
+    if (upper.back() != '/')
+        upper += '/';
+    const std::string lower = x_resolved(destination);
+    if (lower.compare(0, upper.size(), upper) != 0)
+        return false;
+    const std::string first =
+        lower.substr(upper.size(), lower.find('/', upper.size()) - upper.size());
+    return std::any_of(list.names.begin(), list.names.end(),
+                       [&first](const char *name) { return first == name; });
+}
+
+Qt::DropAction dnd_action(Qt::KeyboardModifiers modifiers, Qt::DropActions possible)
+{
+    const bool copy = modifiers & Qt::ControlModifier;
+    if (!(possible & Qt::MoveAction))
+        return Qt::CopyAction;
+    return copy && possible & Qt::CopyAction ? Qt::CopyAction : Qt::MoveAction;
+}
+
+bool dnd_accepts(QDropEvent &event, int index)
+{
+    const QMimeData *data = event.mimeData();
+    if (data == nullptr || !clip_offer_takes(*data) || !gDir.has_path ||
+        !(event.possibleActions() & (Qt::CopyAction | Qt::MoveAction)) ||
+        x_is_refused(*data, index))
+        return false;
+    event.setDropAction(dnd_action(event.modifiers(), event.possibleActions()));
+    return true;
+}
+
+void dnd_drop(QDropEvent &event, int index)
+{
+    if (event.mimeData() == nullptr || !gDir.has_path)
+        return;
+    const std::string destination = dnd_destination(index);
+    const bool copy = dnd_action(event.modifiers(), event.possibleActions()) == Qt::CopyAction;
+    TransfFiles files = x_files(*event.mimeData());
+    const bool inside = std::any_of(
+        files.lists.begin(), files.lists.end(),
+        [&destination](const FileListRecord &list) { return dnd_is_inside(list, destination); });
+    if (files.lists.empty() || inside) {
+        event.ignore();
+        return;
+    }
+    // A move is our job's: told that it was a copy the source leaves its files alone.
+    event.setDropAction(Qt::CopyAction);
+    event.accept();
+    fl_view()->setFocus();
+    x_start_jobs(files, copy, destination);
+}
+
+void dnd_start()
+{
+    if (gDir.nselected <= 0)
+        return;
+    auto list = std::make_shared<const FileListRecord>(transf_own(fl_pack_transf()));
+    auto *drag = new QDrag(fl_view());
+    drag->setMimeData(new ClipOffer(list, false, transf_new_id()));
+    const QPixmap picture = dnd_picture(*list);
+    drag->setPixmap(picture);
+    drag->setHotSpot({-DND_PICTURE_GAP, -DND_PICTURE_GAP});
+    // What the other side made of it is its own affair: nothing here is ever deleted for it.
+    drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::MoveAction);
+}
+
+} // namespace tav

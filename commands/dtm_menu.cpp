@@ -1,0 +1,165 @@
+// The look and the handling of menus of directories.
+#include "commands/dtm_menu.h"
+
+#include <QActionEvent>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPointer>
+#include <QProxyStyle>
+#include <QStyleOptionMenuItem>
+
+namespace tav {
+
+namespace {
+
+constexpr QRgb GREY = 0xFF909090; // of an item that is still being examined
+
+// A menu longer than the screen scrolls instead of growing columns.
+class ScrollStyle : public QProxyStyle {
+public:
+    int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
+                  QStyleHintReturn *result) const override
+    {
+        return hint == SH_Menu_Scrollable ? 1
+                                          : QProxyStyle::styleHint(hint, option, widget, result);
+    }
+};
+
+QStyle *x_style()
+{
+    static QPointer<QStyle> style;
+    if (!style) {
+        style = new ScrollStyle;
+        style->setParent(qApp);
+    }
+    return style;
+}
+
+// Takes a menu's presses and keys before the menu does. Its child.
+class Attendant : public QObject {
+public:
+    explicit Attendant(QMenu *menu) : QObject(menu), m_menu(menu)
+    {
+        menu->installEventFilter(this);
+    }
+    bool eventFilter(QObject *, QEvent *event) override;
+
+private:
+    bool take_press(const QMouseEvent &event);
+    bool take_key(const QKeyEvent &event);
+    bool go_to_letter(const QString &text);
+
+    QMenu *m_menu;
+    QPointer<DtmAnyItem> m_pressed; // what the last press hit
+    QElapsedTimer m_since;          // that press
+};
+
+// Some platforms call the second press a double click, some do not when a submenu opened in
+// between.
+bool Attendant::eventFilter(QObject *, QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+        return take_press(*static_cast<QMouseEvent *>(event));
+    case QEvent::KeyPress:
+        return take_key(*static_cast<QKeyEvent *>(event));
+    default:
+        return false;
+    }
+}
+
+bool Attendant::take_press(const QMouseEvent &event)
+{
+    const QPoint place = event.position().toPoint();
+    if (event.button() != Qt::LeftButton || !m_menu->rect().contains(place))
+        return false;
+    auto *item = qobject_cast<DtmAnyItem *>(m_menu->actionAt(place));
+    const bool again = item && item == m_pressed && m_since.isValid() &&
+                       m_since.elapsed() < QApplication::doubleClickInterval();
+    m_pressed = again ? nullptr : item;
+    m_since.start();
+    if (again)
+        item->choose();
+    return again;
+}
+
+bool Attendant::take_key(const QKeyEvent &event)
+{
+    const bool enter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+    auto *item = qobject_cast<DtmAnyItem *>(m_menu->activeAction());
+    if (enter && event.modifiers() & Qt::ControlModifier && item) {
+        item->choose();
+        return true;
+    }
+    return !(event.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) &&
+           go_to_letter(event.text());
+}
+
+// To the next item, after the current one and round, whose label begins with the text.
+bool Attendant::go_to_letter(const QString &text)
+{
+    if (text.isEmpty() || !text[0].isPrint() || text[0].isSpace())
+        return false;
+    const QList<QAction *> all = m_menu->actions();
+    const qsizetype from = all.indexOf(m_menu->activeAction());
+    for (qsizetype i = 1; i <= all.size(); i++) {
+        auto *item = qobject_cast<DtmAnyItem *>(all[(from + i + all.size()) % all.size()]);
+        if (item && item->data().toString().startsWith(text, Qt::CaseInsensitive)) {
+            m_menu->setActiveAction(item);
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+DtmMenu::DtmMenu(QWidget *parent) : QMenu(parent)
+{
+    setStyle(x_style());
+    dtm_menu_attend(this);
+}
+
+void DtmMenu::initStyleOption(QStyleOptionMenuItem *option, const QAction *action) const
+{
+    QMenu::initStyleOption(option, action);
+    const auto *item = qobject_cast<const DtmAnyItem *>(action);
+    if (item == nullptr)
+        return;
+    option->menuItemType = item->state() == DtmState::cascade ? QStyleOptionMenuItem::SubMenu
+                                                              : QStyleOptionMenuItem::Normal;
+    if (item->state() == DtmState::unknown)
+        for (QPalette::ColorRole role :
+             {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
+            option->palette.setColor(role, QColor::fromRgb(GREY));
+}
+
+// A submenu that comes or goes changes no item's size: without this an open menu would lay out all
+// of its items again, and grow past the screen.
+void DtmMenu::actionEvent(QActionEvent *event)
+{
+    if (event->type() == QEvent::ActionChanged && qobject_cast<DtmAnyItem *>(event->action()))
+        update();
+    else
+        QMenu::actionEvent(event);
+}
+
+void dtm_menu_attend(QMenu *menu)
+{
+    for (QObject *child : menu->children())
+        if (dynamic_cast<Attendant *>(child))
+            return;
+    new Attendant(menu);
+}
+
+void dtm_menu_dismiss()
+{
+    while (QWidget *popup = QApplication::activePopupWidget())
+        if (!popup->close())
+            break;
+}
+
+} // namespace tav

@@ -1,0 +1,221 @@
+// Editing a name in its row of the list.
+#include "commands/em_rename.h"
+#include "commands/em.h"
+#include "model/dir.h"
+#include "platform/shown.h"
+#include "platform/w.h"
+#include "views/fl.h"
+#include "views/fl_header.h"
+#include "views/fl_paint.h"
+#include "views/fl_view.h"
+#include "views/prop_apply.h"
+
+#include <QKeyEvent>
+#include <QTimer>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace tav {
+
+namespace {
+
+constexpr char16_t ESCAPED = 0xDC00; // with a byte above 0x7F in it: no text has such a lone half
+
+// The entry to be renamed: the one that is selected, else the current one.
+int x_entry()
+{
+    if (gDir.nselected == 1)
+        for (int i = 0; i < gDir.count; i++)
+            if (gDir.entries[static_cast<size_t>(i)]->flags & DIR_SELECTED)
+                return i;
+    return gDir.current >= 0 && gDir.current < gDir.count ? gDir.current : DIR_NONE;
+}
+
+int x_find_name(const std::string &directory, const std::string &name)
+{
+    if (gDir.path != directory)
+        return DIR_NONE;
+    for (int i = 0; i < gDir.count; i++)
+        if (name == gDir.entries[static_cast<size_t>(i)]->name)
+            return i;
+    return DIR_NONE;
+}
+
+// The part before the last dot; all of a name without one, or with one only at its beginning.
+qsizetype x_stem(const QString &text)
+{
+    const qsizetype dot = text.lastIndexOf(QLatin1Char('.'));
+    return dot > 0 ? dot : text.size();
+}
+
+// Bytes of the UTF-8 character at the beginning of the text, 0 when there is none.
+size_t x_character(std::string_view bytes)
+{
+    const auto first = static_cast<unsigned char>(bytes[0]);
+    const size_t size = first < 0x80   ? 1
+                        : first < 0xC2 ? 0
+                        : first < 0xE0 ? 2
+                        : first < 0xF0 ? 3
+                        : first < 0xF5 ? 4
+                                       : 0;
+    if (size == 0 || size > bytes.size())
+        return 0;
+    const QString text = QString::fromUtf8(bytes.data(), static_cast<qsizetype>(size));
+    return text.contains(QChar::ReplacementCharacter) && bytes.substr(0, 3) != "\xEF\xBF\xBD"
+               ? 0
+               : size;
+}
+
+} // namespace
+
+QString em_rename_text(std::string_view name)
+{
+    QString text;
+    while (!name.empty()) {
+        const size_t size = x_character(name);
+        if (size == 0)
+            text += QChar(static_cast<char16_t>(ESCAPED + static_cast<unsigned char>(name[0])));
+        else
+            text += QString::fromUtf8(name.data(), static_cast<qsizetype>(size));
+        name.remove_prefix(size == 0 ? 1 : size);
+    }
+    return text;
+}
+
+std::string em_rename_bytes(const QString &text)
+{
+    std::string name;
+    for (qsizetype i = 0; i < text.size(); i++) {
+        const char16_t unit = text[i].unicode();
+        const bool pair = text[i].isHighSurrogate() && i + 1 < text.size();
+        if (unit > ESCAPED + 0x7F && unit <= ESCAPED + 0xFF)
+            name += static_cast<char>(unit - ESCAPED);
+        else
+            name += text.mid(i, pair ? 2 : 1).toUtf8().toStdString();
+        i += pair ? 1 : 0;
+    }
+    return name;
+}
+
+int em_rename_file(const std::string &directory, const std::string &from, const std::string &to,
+                   std::string &message)
+{
+    PropChange change;
+    change.name = to;
+    std::string name = from;
+    const int fd = open(directory.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    const int result = prop_apply(fd, name, change, message);
+    if (fd >= 0)
+        close(fd);
+    return result;
+}
+
+EmRenameField::EmRenameField(std::string directory, std::string name)
+    : QLineEdit(fl_view()->viewport()), m_directory(std::move(directory)), m_name(std::move(name))
+{
+    setObjectName(QStringLiteral("em_rename_field"));
+    setAccessibleName(QStringLiteral("New name"));
+    const QString text = em_rename_text(m_name);
+    setText(text);
+    setSelection(0, static_cast<int>(x_stem(text)));
+    connect(this, &QLineEdit::returnPressed, this, &EmRenameField::apply);
+    fl_view()->viewport()->installEventFilter(this);
+}
+
+bool EmRenameField::place()
+{
+    const int row = fl_row_of_index(x_find_name(m_directory, m_name));
+    if (row < 0)
+        return false;
+    const FlView &view = *fl_view();
+    const QRect column = view.header()->section(FL_COLUMN_NAME).translated(-view.left(), 0);
+    const QRect line = view.row_rect(row);
+    const int left = column.left() + 2 * FL_ROW_MARGIN + FL_IMAGE_SIZE - textMargins().left() - 4;
+    const int wanted = fontMetrics().horizontalAdvance(text()) + 3 * FL_ROW_MARGIN + 8;
+    const int width =
+        std::max(column.right() - left, std::min(wanted, view.viewport()->width() - left));
+    const QRect area(left, line.top(), width, line.height());
+    if (area != geometry())
+        setGeometry(area);
+    return true;
+}
+
+// The list repaints whenever its rows or their places change.
+bool EmRenameField::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Paint && !m_done && !place())
+        QTimer::singleShot(0, this, &EmRenameField::leave);
+    return QLineEdit::eventFilter(watched, event);
+}
+
+// Return, Escape and the list's plain keys are the field's own, whatever shortcut has them.
+bool EmRenameField::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto *key = static_cast<QKeyEvent *>(event);
+        const bool plain = !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
+        if (plain)
+            event->accept();
+        return plain || QLineEdit::event(event);
+    }
+    if (event->type() == QEvent::KeyPress &&
+        static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape) {
+        leave();
+        return true;
+    }
+    return QLineEdit::event(event);
+}
+
+void EmRenameField::focusOutEvent(QFocusEvent *event)
+{
+    QLineEdit::focusOutEvent(event);
+    if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason)
+        leave();
+}
+
+void EmRenameField::leave()
+{
+    if (std::exchange(m_done, true))
+        return;
+    const bool focused = hasFocus();
+    hide();
+    if (focused)
+        fl_view()->setFocus();
+    deleteLater();
+}
+
+void EmRenameField::apply()
+{
+    const std::string name = em_rename_bytes(text());
+    const std::string directory = m_directory, from = m_name;
+    leave();
+    if (name.empty() || name == from)
+        return;
+    std::string message;
+    if (em_rename_file(directory, from, name, message) != 0) {
+        wreport(gBase, "Error", "%s", message.c_str());
+        return;
+    }
+    if (gDir.path != directory)
+        return;
+    fl_refresh();
+    fl_goto(name.c_str(), 0, FL_EXACT);
+}
+
+int em_rename(QWidget *)
+{
+    const int index = x_entry();
+    if (index < 0 || fl_is_reading())
+        return W_CONTINUE;
+    fl_goto_index(index);
+    auto *field = new EmRenameField(gDir.path, gDir.entries[static_cast<size_t>(index)]->name);
+    if (!field->place()) {
+        delete field;
+        return W_CONTINUE;
+    }
+    field->show();
+    field->setFocus();
+    return W_CONTINUE;
+}
+
+} // namespace tav
