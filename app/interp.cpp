@@ -22,6 +22,18 @@ char sState;             // 0 idle; '/' find; '?' find, second mode; ':' command
 std::string sBuffer;     // typed since the mode began
 std::string sLastSearch; // completed last with Return
 
+// Whether the text is a character that begins a mode.
+bool x_begins_mode(const std::string &bytes)
+{
+    if (bytes.size() != 1)
+        return false;
+    for (const InterpMode *mode = gInterpModes; mode->text; mode++) {
+        if (mode->begin == bytes[0])
+            return true;
+    }
+    return false;
+}
+
 int x_execute(const std::string &command)
 {
     misc_run(command, 10, 111, 0);
@@ -95,7 +107,7 @@ int x_character(const QString &text)
     if (!x_is_typed(text))
         return 0;
     const std::string bytes = text.toStdString();
-    if (sState == 0 && (bytes == ":" || bytes == "/" || bytes == "?")) {
+    if (sState == 0 && x_begins_mode(bytes)) {
         sBuffer.clear();
         sState = bytes[0];
         return 1;
@@ -111,6 +123,16 @@ int x_character(const QString &text)
 
 } // namespace
 
+const InterpMode gInterpModes[] = {
+    {'\0', "a ... z", "Find the first name that begins with what is typed"},
+    {'/', "/", "Find a name; Return opens it"},
+    {'?', "?", "Find a name; Return selects it"},
+    {':', ":", "Run a command line; Return starts it"},
+    {'\0', "Bksp", "Take back the last character typed"},
+    {'\0', "Esc", "Forget what was typed"},
+    {'\0', nullptr, nullptr},
+};
+
 int interp_key(const QKeyEvent &event)
 {
     if (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
@@ -120,7 +142,7 @@ int interp_key(const QKeyEvent &event)
         return sState == 0 ? 0 : x_end();
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        return event.modifiers() & Qt::ShiftModifier ? 0 : x_return();
+        return x_return();
     case Qt::Key_Backspace:
         return x_backspace();
     default:

@@ -7,6 +7,15 @@ class QKeyEvent;
 
 namespace tav {
 
+// A way of typing and the character that begins it, 0 for any other name character. gInterpModes
+// ends with a null text; the interpreter and the quick reference read the same rows.
+struct InterpMode {
+    char begin;
+    const char *keys; // as they are shown
+    const char *text; // what they do
+};
+extern const InterpMode gInterpModes[];
+
 // 0: not taken; 1: taken, the typing goes on; -1: taken, and it has ended.
 int interp_key(const QKeyEvent &event);
 

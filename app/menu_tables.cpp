@@ -3,6 +3,7 @@
 #include "app/base.h"
 #include "app/config_dlg.h"
 #include "app/menu.h"
+#include "app/quickref.h"
 #include "commands/em.h"
 #include "commands/fm.h"
 #include "commands/fm_dlg.h"
@@ -105,6 +106,7 @@ constexpr MenuRow sHotlistMenu[] = {
 };
 
 constexpr MenuRow sHelpMenu[] = {
+    menu_command(1, "help_quickref", "&Quick Reference", help_quickref, 0, "F1"),
     menu_command(1, "help_about", "&About", help_about),
     MENU_END,
 };
@@ -133,7 +135,7 @@ const MenuTable gMenuBar[] = {
     {"view_menu", "&View", sViewMenu, vm_setup},
     {"go_menu", "&Go", sGoMenu, gm_setup},
     {"hotlist_menu", "&Hotlist", sHotlistMenu, hm_setup},
-    {"help_menu", "&Help", sHelpMenu, nullptr},
+    {"help_menu", "Hel&p", sHelpMenu, nullptr},
     {nullptr, nullptr, nullptr, nullptr},
 };
 

@@ -56,6 +56,7 @@ public:
         setProperty(WBLOCK_MESSAGE_BOX, true);
         setWindowModality(Qt::NonModal);
         setWindowTitle(question.title);
+        setIcon(question.buttons.size() > 1 ? QMessageBox::Question : QMessageBox::Warning);
         setTextFormat(Qt::PlainText);
         setText(x_breakable(question.text));
         setAccessibleDescription(question.text);

@@ -6,6 +6,10 @@
 
 #include <QLineEdit>
 #include <QPointer>
+#include <QScreen>
+#include <QScrollArea>
+#include <QStyle>
+#include <QVBoxLayout>
 
 namespace tav {
 namespace {
@@ -43,13 +47,38 @@ private:
     std::function<void()> closed_;
 };
 
+// A dialog larger than the screen (a large font, a small screen) gets a scroll area around its
+// contents, so that every control can be reached.
+void x_fit(QDialog *dialog)
+{
+    const QSize margins(40, 60); // for the frame and for the screen to be seen
+    const QSize room = dialog->screen()->availableGeometry().size() - margins;
+    const QSize wanted = dialog->sizeHint();
+    if (!dialog->layout() || (wanted.width() <= room.width() && wanted.height() <= room.height()))
+        return;
+    auto *contents = new QWidget;
+    contents->setLayout(dialog->layout()); // takes the layout and its widgets along
+    auto *area = new QScrollArea(dialog);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setWidget(contents);
+    auto *around = new QVBoxLayout(dialog);
+    around->setContentsMargins(0, 0, 0, 0);
+    around->addWidget(area);
+    const int bar = dialog->style()->pixelMetric(QStyle::PM_ScrollBarExtent) + 2;
+    dialog->setMinimumSize(0, 0); // what the layout asked for when it was the dialog's own
+    dialog->resize((wanted + QSize(bar, bar)).boundedTo(room));
+}
+
 } // namespace
 
 void wdialog_open(QDialog *dialog, QWidget *over, std::function<void()> closed)
 {
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     new Guard(dialog, over, std::move(closed));
-    dialog->adjustSize();
+    if (!dialog->testAttribute(Qt::WA_Resized))
+        dialog->adjustSize();
+    x_fit(dialog);
     wcenter(over, dialog);
     dialog->show();
     dialog->raise();

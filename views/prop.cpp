@@ -150,6 +150,7 @@ void x_prop_setup_multi()
     form.pr_size->setText(QString::fromStdString(prop_total(sProp.summary.size)));
     x_show_row(form.pr_size_title, form.pr_size, sProp.summary.size > 0);
     x_show_mode(sProp.summary.common);
+    form.pr_uread->setFocus();
 }
 
 // The bytes of a text field that was edited, empty for one that was not: what is only shown (a cut

@@ -33,6 +33,7 @@ public:
     {
         char path[] = "/tmp/tav-test-XXXXXX";
         path_ = mkdtemp(path);
+        chmod(path, 0755); // for tests that become an ordinary user
     }
     ~OwnDir()
     {
@@ -90,7 +91,7 @@ struct MainWindow {
             layout->addWidget(label);
         }
         gBase = &window;
-        gDir.filespec = "*";
+        gDir.filespec.assign(1, '*');
         ui_gate_open();
         fl_setup();
         fl_sort_reset();
@@ -124,7 +125,7 @@ inline std::string selected_names()
     std::string names;
     for (int i = 0; i < gDir.count; i++) {
         if (gDir.entries[static_cast<size_t>(i)]->flags & DIR_SELECTED)
-            names += (names.empty() ? "" : " ") + entry_name(i);
+            names.append(names.empty() ? "" : " ").append(entry_name(i));
     }
     return names;
 }
