@@ -143,3 +143,28 @@ look_has() { look | grep -F -- "$1" >/dev/null; } # reads on to the end, or look
 
 # place_of NAME: where the first thing of that name is, as "X Y" (needs desktop_bus).
 place_of() { /usr/bin/python3 "$desktop_dir/look.py" "$tav_pid" "$1"; }
+
+# tav_geometry: "WIDTHxHEIGHT+X+Y" of the window's inside.
+tav_geometry() {
+    local window
+    window=$(tav_window) || return # without an id it would wait for a click
+    xwininfo -id "$window" | awk '
+        /Absolute upper-left X/ { x = $NF } /Absolute upper-left Y/ { y = $NF }
+        /Width:/ { w = $NF } /Height:/ { h = $NF } END { print w "x" h "+" x "+" y }'
+}
+
+# tav_has_size WIDTHxHEIGHT: to the pixel or two that keeping lengths in reference pixels may cost.
+tav_has_size() {
+    local got
+    got=$(tav_geometry) || return
+    got=${got%%+*}
+    near "${got%x*}" "${1%x*}" && near "${got#*x}" "${1#*x}"
+}
+near() { [ $(($1 - $2)) -ge -2 ] && [ $(($1 - $2)) -le 2 ]; }
+
+# tav_quit: ends the last tav as the user does and expects that it ended well.
+tav_quit() {
+    tav_close
+    tav_status
+    expect 0 "$tav_exit" "exit status"
+}

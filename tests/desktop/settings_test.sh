@@ -1,0 +1,118 @@
+#!/usr/bin/env bash
+# The settings directory and what is kept in it: written on leaving, read at the next start, and left alone
+# where that is not possible.
+# shellcheck source=tests/desktop/lib.sh
+source "$(dirname "$0")/lib.sh"
+
+config() { echo "$HOME/.ph/tav/config.003"; }
+first_error() { grep -m 1 '^TAV error' "$work/tav.$tav_count.err"; }
+
+# starts tav in a home of that name, waits for its window, leaves it.
+round() {
+    export HOME=$1
+    tav_start "$work"
+    tav_ready "$work"
+    tav_quit
+}
+
+test_written_and_read_again() {
+    round "$work/home"
+    expect 4668 "$(stat -c %s "$(config)")" "size of the settings"
+    expect 700 "$(stat -c %a "$HOME/.ph/tav")" "mode of the settings directory"
+    expect '*' "$(cat "$HOME/.ph/tav/fspec.001")" "filter history of a first start"
+    local name
+    for name in goto pattern hotlist; do
+        [ -e "$HOME/.ph/tav/$name.001" ] || fail "no $name.001"
+    done
+    for name in with copy; do
+        [ ! -e "$HOME/.ph/tav/$name.001" ] || fail "$name.001 is never written"
+    done
+    tav_start "$work"
+    tav_ready "$work"
+    xdotool windowsize --sync "$(tav_window)" 900 600
+    wait_for "the window is larger" tav_has_size 900x600
+    tav_quit
+    tav_start "$work"
+    wait_for "the size is there again" tav_has_size 900x600
+    tav_quit
+    cp "$(config)" "$work/before"
+    round "$HOME"
+    cmp "$(config)" "$work/before" || fail "looking changed the settings"
+}
+
+test_ph_is_missing() {
+    mkdir "$work/bare"
+    round "$work/bare"
+    expect "TAV error: unable to create config directory $HOME/.ph/tav" "$(first_error)" "create message"
+    expect 1 "$(grep -c 'TAV error' "$work/tav.$tav_count.err")" "how often it was said"
+    expect "" "$(ls -A "$HOME")" "what was written"
+}
+
+test_settings_path_is_a_file() {
+    mkdir -p "$work/filehome/.ph"
+    echo kept >"$work/filehome/.ph/tav"
+    round "$work/filehome"
+    expect "TAV error: unable to access config directory $HOME/.ph/tav" "$(first_error)" "access message"
+    expect kept "$(cat "$HOME/.ph/tav")" "the file"
+}
+
+# Nobody is refused to write where root is asked, so root becomes somebody else.
+test_settings_path_is_not_writable() {
+    mkdir -p "$work/ro/.ph/tav"
+    chmod 555 "$work/ro/.ph/tav"
+    if [ "$(id -u)" = 0 ]; then
+        chmod 755 "$work"
+        chmod 777 "$work/run"
+        cp "$TAV" "$work/tav"
+        export HOME=$work/ro
+        tav_count=$((tav_count + 1))
+        setpriv --reuid=65534 --regid=65534 --clear-groups "$work/tav" /tmp \
+            >"$work/tav.$tav_count.out" 2>"$work/tav.$tav_count.err" </dev/null &
+        tav_pid=$!
+        pids+=("$tav_pid")
+        wait_for "an ordinary user's tav shows /tmp" tav_is_active
+        tav_quit
+        chmod 700 "$work/run"
+    else
+        round "$work/ro"
+    fi
+    grep -qxF "TAV error: unable to access config directory $HOME/.ph/tav" "$work/tav.$tav_count.err" ||
+        fail "no access message"
+    chmod 755 "$work/ro/.ph/tav"
+    expect "" "$(ls -A "$HOME/.ph/tav")" "what was written"
+}
+
+# HOME unset means /.ph/tav, which is not there; nothing is read or written in the working directory.
+test_no_home() {
+    [ ! -e /.ph ] || return 0
+    mkdir "$work/nohome"
+    cd "$work/nohome"
+    local home=$HOME
+    unset HOME
+    tav_start .
+    tav_ready "$work/nohome"
+    tav_quit
+    export HOME=$home
+    expect "TAV error: unable to create config directory /.ph/tav" "$(first_error)" "create message"
+    expect "" "$(ls -A "$work/nohome")" "what was written to the working directory"
+    cd /
+}
+
+# A record of random bytes is believed in nothing, and what it says is not "corrected" on the disk.
+test_random_settings() {
+    mkdir -p "$work/random/.ph/tav"
+    head -c 4668 /dev/urandom >"$work/random/.ph/tav/config.003"
+    head -c 100000 /dev/urandom >"$work/random/.ph/tav/goto.001"
+    head -c 100000 /dev/urandom >"$work/random/.ph/tav/fspec.001"
+    echo '*' >"$work/random/.ph/tav/fspec.001"
+    round "$work/random"
+    expect 4668 "$(stat -c %s "$(config)")" "size of the settings"
+}
+
+desktop_start
+test_written_and_read_again
+test_ph_is_missing
+test_settings_path_is_a_file
+test_settings_path_is_not_writable
+test_no_home
+test_random_settings
