@@ -82,7 +82,7 @@ test_texts() {
     local text name=$work/named
     ln -s "$TAV" "$name"
     text=$("$name" --help)
-    expect "$name [options]" "$(sed -n 2p <<<"$text")" "second line of --help"
+    expect "named [options]" "$(sed -n 2p <<<"$text")" "second line of --help"
     expect "  -S i|m|n    Initial window state: i=iconified, m=maximized, n=normal" \
         "$(sed -n 9p <<<"$text")" "ninth line of --help"
     expect "  dimension of 200x300." "$(tail -n 1 <<<"$text")" "last line of --help"
