@@ -66,6 +66,19 @@ size_t x_character(std::string_view bytes)
                : size;
 }
 
+void x_rename(const std::string &directory, const std::string &from, const std::string &to)
+{
+    std::string message;
+    if (em_rename_file(directory, from, to, message) != 0) {
+        wreport(gBase, "Error", "%s", message.c_str());
+        return;
+    }
+    if (gDir.path != directory)
+        return;
+    fl_refresh();
+    fl_goto(to.c_str(), 0, FL_EXACT);
+}
+
 } // namespace
 
 QString em_rename_text(std::string_view name)
@@ -184,22 +197,15 @@ void EmRenameField::leave()
     deleteLater();
 }
 
+// The message about a failure waits in a loop of its own: the field must be gone before.
 void EmRenameField::apply()
 {
     const std::string name = em_rename_bytes(text());
-    const std::string directory = m_directory, from = m_name;
+    if (!name.empty() && name != m_name)
+        QTimer::singleShot(0, fl_view(), [directory = m_directory, from = m_name, name] {
+            x_rename(directory, from, name);
+        });
     leave();
-    if (name.empty() || name == from)
-        return;
-    std::string message;
-    if (em_rename_file(directory, from, name, message) != 0) {
-        wreport(gBase, "Error", "%s", message.c_str());
-        return;
-    }
-    if (gDir.path != directory)
-        return;
-    fl_refresh();
-    fl_goto(name.c_str(), 0, FL_EXACT);
 }
 
 int em_rename(QWidget *)
