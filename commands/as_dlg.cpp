@@ -32,21 +32,23 @@ void x_enable_buttons(QWidget *dialog, bool on)
         dialog->findChild<QPushButton *>(QLatin1String(name))->setEnabled(on);
 }
 
-QTreeWidgetItem *x_item(const std::string &text)
+QTreeWidgetItem *x_item(const std::string &text, int height)
 {
     const Association row = as_split(text);
-    return new QTreeWidgetItem(QStringList{shown_text(row.pattern), shown_text(row.open),
-                                           shown_text(row.view), shown_text(row.edit)});
+    auto *item = new QTreeWidgetItem(QStringList{shown_text(row.pattern), shown_text(row.open),
+                                                 shown_text(row.view), shown_text(row.edit)});
+    item->setSizeHint(0, QSize(0, height));
+    return item;
 }
 
 // Wide enough to read whole commands, as far as they are of a usual length.
 void x_size(QDialog *dialog, QTreeWidget *list)
 {
     const int unit = list->fontMetrics().averageCharWidth();
-    const int widths[] = {28, 28, 28, 10};
+    const int widths[] = {32, 31, 29, 10};
     for (int column = 0; column < 4; column++)
         list->header()->resizeSection(column, widths[column] * unit);
-    dialog->resize(100 * unit, 22 * list->fontMetrics().lineSpacing());
+    dialog->resize(110 * unit, 26 * list->fontMetrics().lineSpacing());
 }
 
 void x_connect(const Ui::associate_dlg &form, QDialog *dialog)
@@ -102,8 +104,9 @@ void as_dlg_show_rows(QWidget *dialog)
     {
         const QSignalBlocker quiet(list);
         list->clear();
+        const int height = list->fontMetrics().lineSpacing() * 3 / 2;
         for (const std::string &row : atmp)
-            list->addTopLevelItem(x_item(row));
+            list->addTopLevelItem(x_item(row, height));
         if (!atmp.empty())
             list->setCurrentItem(list->topLevelItem(0));
     }

@@ -56,7 +56,7 @@ void QuoteScan::feed_direct(char byte)
         mNest.clear();
         mStart = true;
     } else if (!quoted && mStart && byte == '"' && !mEscaped) {
-        mNest = "\"";
+        mNest.assign(1, '"');
     } else if (!quoted && (byte == ' ' || byte == '\t')) {
         mStart = true;
     } else if (byte != QUOTE_MARK) {
@@ -95,7 +95,7 @@ void QuoteScan::feed_shell(char byte)
         mNest.push_back('$');
         mStart = true;
         mWord = false;
-        mLetters = "(";
+        mLetters.assign(1, '(');
     } else if (top == '"') {
         feed_double(byte);
     } else {

@@ -1,0 +1,135 @@
+// Launching and classifying: what stands between Enter and the program, and what a name costs in
+// the table of associations.
+#include "bench.h"
+#include "commands/as.h"
+#include "commands/misc.h"
+#include "model/dir.h"
+#include "platform/child.h"
+
+#include <clocale>
+#include <cstdlib>
+#include <fnmatch.h>
+#include <memory>
+#include <spawn.h>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+extern char **environ;
+
+namespace {
+
+constexpr int LAUNCHES = 100;              // per measured run
+constexpr int NAMES = 100'000;             // that are classified
+constexpr size_t MEMORY = size_t{1} << 30; // that the program uses while it starts others
+
+void x_wait_for_kept()
+{
+    siginfo_t info;
+    while (tav::child_reap() > 0)
+        waitid(P_ALL, 0, &info, WEXITED | WNOWAIT);
+    while (tav::misc_tick() > 0) {
+    }
+}
+
+// The same shell command without anything around it.
+void x_spawn_bare()
+{
+    const char *argv[] = {"sh", "-c", "exec true \"a.c\"", nullptr};
+    for (int i = 0; i < LAUNCHES; i++) {
+        pid_t pid;
+        if (posix_spawn(&pid, "/bin/sh", nullptr, nullptr, const_cast<char **>(argv), environ) == 0)
+            waitpid(pid, nullptr, 0);
+    }
+}
+
+// From the association of a file to its program, as Enter does it.
+void x_open()
+{
+    for (int i = 0; i < LAUNCHES; i++) {
+        if (const char *command = tav::_get_pat_cmd("a.c", tav::AS_OPEN))
+            tav::file_cmd(command, "a.c");
+        x_wait_for_kept();
+    }
+}
+
+void x_bench_launch(const char *name)
+{
+    if (!bench_wants(name))
+        return;
+    tav::apat.clear();
+    tav::_add_pat("*.[ch]", "true", "", "");
+    tav::gDir.path = bench_scratch(BenchPlace::Disk);
+    tav::gDir.has_path = true;
+    bench_compare({name, 3.0}, {{}, x_open, {}}, {{}, x_spawn_bare, {}});
+}
+
+// The same while the program uses a lot of memory, against itself without.
+void x_bench_growth()
+{
+    const char *name = "launch_with_1GiB_against_none";
+    if (!bench_wants(name))
+        return;
+    std::unique_ptr<char[]> memory;
+    bench_compare({name, 1.2},
+                  {[&] {
+                       memory.reset(new char[MEMORY]);
+                       for (size_t i = 0; i < MEMORY; i += 4096)
+                           memory[i] = 1;
+                       bench_keep(memory[MEMORY - 1]);
+                   },
+                   x_open, [&] { memory.reset(); }},
+                  {{}, x_open, {}});
+}
+
+// Names as a home has them: some with a known ending, most without.
+std::vector<std::string> x_names()
+{
+    const char *endings[] = {".c",   ".txt", ".jpg", ".html", ".o",  ".cpp", ".so.6", "",
+                             ".tar", ".png", ".JPG", ".wav",  ".py", ".md",  ".core", "~"};
+    std::vector<std::string> names;
+    for (int i = 0; i < NAMES; i++)
+        names.push_back("some_file_" + std::to_string(i * 7919) + endings[i % 16]);
+    return names;
+}
+
+void x_bench_classify()
+{
+    if (!bench_wants("classify_100000"))
+        return;
+    const std::vector<std::string> names = x_names();
+    const char *patterns[] = {"*.[ch]", "[Mm]akefile", "*.txt", "*.core", "*.jpg",
+                              "*.html", "*.rm",        "*.wav", "*.mpeg", "*.ttf"};
+    tav::as_set_defaults();
+    bench_compare({"classify_100000", 1.5},
+                  {{},
+                   [&] {
+                       int sum = 0;
+                       for (const std::string &name : names)
+                           sum += tav::_get_pat_idx(name.c_str());
+                       bench_keep(sum);
+                   },
+                   {}},
+                  {{},
+                   [&] {
+                       int sum = 0;
+                       for (const std::string &name : names)
+                           for (const char *pattern : patterns)
+                               sum += fnmatch(pattern, name.c_str(), 0);
+                       bench_keep(sum);
+                   },
+                   {}});
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    setlocale(LC_CTYPE, "C.UTF-8");
+    bench_start(argc, argv);
+    x_bench_launch("launch_100");
+    x_bench_growth();
+    x_bench_classify();
+    return 0;
+}
