@@ -18,6 +18,8 @@
 
 extern char **environ;
 
+using namespace tav;
+
 namespace {
 
 constexpr int LAUNCHES = 100;              // per measured run
@@ -27,9 +29,9 @@ constexpr size_t MEMORY = size_t{1} << 30; // that the program uses while it sta
 void x_wait_for_kept()
 {
     siginfo_t info;
-    while (tav::child_reap() > 0)
+    while (child_reap() > 0)
         waitid(P_ALL, 0, &info, WEXITED | WNOWAIT);
-    while (tav::misc_tick() > 0) {
+    while (misc_tick() > 0) {
     }
 }
 
@@ -48,8 +50,8 @@ void x_spawn_bare()
 void x_open()
 {
     for (int i = 0; i < LAUNCHES; i++) {
-        if (const char *command = tav::_get_pat_cmd("a.c", tav::AS_OPEN))
-            tav::file_cmd(command, "a.c");
+        if (const char *command = _get_pat_cmd("a.c", AS_OPEN))
+            file_cmd(command, "a.c");
         x_wait_for_kept();
     }
 }
@@ -58,10 +60,10 @@ void x_bench_launch(const char *name)
 {
     if (!bench_wants(name))
         return;
-    tav::apat.clear();
-    tav::_add_pat("*.[ch]", "true", "", "");
-    tav::gDir.path = bench_scratch(BenchPlace::Disk);
-    tav::gDir.has_path = true;
+    apat.clear();
+    _add_pat("*.[ch]", "true", "", "");
+    gDir.path = bench_scratch(BenchPlace::Disk);
+    gDir.has_path = true;
     bench_compare({name, 3.0}, {{}, x_open, {}}, {{}, x_spawn_bare, {}});
 }
 
@@ -101,13 +103,13 @@ void x_bench_classify()
     const std::vector<std::string> names = x_names();
     const char *patterns[] = {"*.[ch]", "[Mm]akefile", "*.txt", "*.core", "*.jpg",
                               "*.html", "*.rm",        "*.wav", "*.mpeg", "*.ttf"};
-    tav::as_set_defaults();
+    as_set_defaults();
     bench_compare({"classify_100000", 1.5},
                   {{},
                    [&] {
                        int sum = 0;
                        for (const std::string &name : names)
-                           sum += tav::_get_pat_idx(name.c_str());
+                           sum += _get_pat_idx(name.c_str());
                        bench_keep(sum);
                    },
                    {}},
