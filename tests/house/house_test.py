@@ -121,6 +121,8 @@ class HouseTest(unittest.TestCase):
     def test_a_file_that_is_no_room_any_more(self):
         self.write("model/es.h", HEAD + "\n" * 500)
         self.assert_breach("files", "model/es.h has 501 lines")
+        self.write("tests/model/es_test.cpp", HEAD + "\n" * 600)
+        self.assert_breach("files", "tests/model/es_test.cpp has 601 lines")
 
     def test_a_file_without_a_purpose(self):
         self.write("model/es.h", "#pragma once\n")
