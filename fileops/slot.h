@@ -20,8 +20,8 @@ constexpr int SLOT_MAX_WIDTH = 1200; // of the window's contents
 constexpr int SLOT_SCREEN_REST = 50; // of the screen's height, left free
 constexpr int SLOT_SCROLL_BAR = 15;  // least room for the scroll bar
 
-// The main window has been closed: the program ends when the last job has gone, and a refresh signal
-// is ignored. 0 or 1.
+// The main window has been closed: the program ends when the last job has gone, and a refresh
+// signal is ignored. 0 or 1.
 extern int base_window_closed;
 
 // Adds a slot, with the window when it is the first. False with errno: ENOMEM for a 51st.

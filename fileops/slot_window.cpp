@@ -96,8 +96,11 @@ void x_set_up(Ui::slot &form, QWidget *pane)
 // Sizes come from the first slot: how high one is, and how many a screen takes.
 void x_measure(QWidget *pane)
 {
-    sHeight = pane->sizeHint().height();
-    sWidth = std::min(pane->sizeHint().width(), SLOT_MAX_WIDTH);
+    pane->ensurePolished();
+    pane->layout()->activate();
+    const QSize wanted = pane->sizeHint().expandedTo(pane->minimumSizeHint());
+    sHeight = wanted.height();
+    sWidth = std::min(wanted.width(), SLOT_MAX_WIDTH);
     sMaxHeight = std::max(sMaxHeight / sHeight, 1) * sHeight;
     sHolder->verticalScrollBar()->setSingleStep(sHeight);
 }
@@ -197,8 +200,10 @@ void slot_window_resize(int count)
 
 void slot_window_centre(QWidget *box)
 {
-    if (sWindow && box)
-        wcenter(sWindow, box);
+    // A progress window that has only just been shown has no place of its own yet.
+    const QWidget *over = gBase && gBase->isVisible() ? gBase : sWindow;
+    if (over && box)
+        wcenter(over, box);
 }
 
 } // namespace tav
