@@ -2,7 +2,7 @@
 add_library(tav_compiler INTERFACE)
 target_compile_options(tav_compiler INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wcast-align -Wformat=2
-    -Wimplicit-fallthrough -Wnull-dereference -fno-strict-aliasing
+    -Wimplicit-fallthrough -fno-strict-aliasing
     -Wno-restrict) # GCC 12 at -O3 sees overlaps in "text" + std::string where none are
 
 option(TAV_WERROR "Warnings are errors" ON)
@@ -14,7 +14,7 @@ set(TAV_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize takes them")
 if(TAV_SANITIZE)
     target_compile_options(tav_compiler INTERFACE
         -fsanitize=${TAV_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined
-        -Wno-null-dereference)
+        )
     target_link_options(tav_compiler INTERFACE -fsanitize=${TAV_SANITIZE})
     target_compile_definitions(tav_compiler INTERFACE TAV_SANITIZED)
 endif()
