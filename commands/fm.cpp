@@ -166,7 +166,8 @@ void fm_run_open(int index)
     const std::string name = x_entry(index).name;
     std::vector<std::string> commands;
     for (const Association &row : apat) {
-        const char *command = as_match(row.match, name.c_str()) ? as_command(row, AS_OPEN) : nullptr;
+        const char *command =
+            as_match(row.match, name.c_str()) ? as_command(row, AS_OPEN) : nullptr;
         if (command != nullptr)
             commands.emplace_back(command);
     }

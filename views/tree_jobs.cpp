@@ -165,8 +165,8 @@ void read_level(TreeLevel &level, const TreeLevelRequest &request)
             break;
         if (!is_wanted(request, entry->d_name) || !is_directory(dirfd(dir), entry))
             continue;
-        const int subdirectories = gTreeCalls.has_subdirectories(request.path.c_str(), entry->d_name,
-                                                              fs_flags(request.dot_names));
+        const int subdirectories = gTreeCalls.has_subdirectories(
+            request.path.c_str(), entry->d_name, fs_flags(request.dot_names));
         rows.push_back({entry->d_name, subdirectories});
         if (rows.size() == LEVEL_BATCH)
             hand_over(level, rows, false);
