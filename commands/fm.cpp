@@ -71,6 +71,7 @@ std::string x_print_template(std::string command)
 void x_say_printed(int selected, const std::string &name)
 {
     QWidget *status = w_find("status1");
+    fl_status_flush(); // or it would wipe out what is shown now
     if (selected < 2)
         wprintf(status, "'%s' printed", shown_text(name).toUtf8().constData());
     else

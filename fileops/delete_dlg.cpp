@@ -14,7 +14,6 @@
 #include "ui_delete_dlg.h"
 
 #include <QApplication>
-#include <QCloseEvent>
 #include <QPointer>
 #include <QProgressBar>
 #include <cerrno>
@@ -231,13 +230,6 @@ public:
         QDialog::reject();
         if (stopped && gDeleteHooks.refresh)
             gDeleteHooks.refresh(); // part of the selection is gone
-    }
-
-protected:
-    void closeEvent(QCloseEvent *event) override
-    {
-        event->ignore();
-        reject();
     }
 };
 

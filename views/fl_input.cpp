@@ -24,9 +24,11 @@ void x_clear_status()
         gDirHooks.status("");
 }
 
+// With Shift it is another item's key.
 bool x_is_enter(const QKeyEvent &event)
 {
-    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+    return (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter) &&
+           !(event.modifiers() & Qt::ShiftModifier);
 }
 
 bool x_is_typing() { return gFlHooks.key_active && gFlHooks.key_active(); }

@@ -35,7 +35,7 @@ fail() {
             notify-send "$me" "$1"
         elif ! in_terminal && find_terminal; then
             # shellcheck disable=SC2016 # for the shell in the terminal
-            in_new_terminal sh -c 'printf "%s\n\nPress Enter to close " "$1"; read -r _' "$me" "$me: $1"
+            (in_new_terminal sh -c 'printf "%s\n\nPress Enter to close " "$1"; read -r _' "$me" "$me: $1")
         fi
     fi
     exit 1

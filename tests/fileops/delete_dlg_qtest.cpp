@@ -113,8 +113,10 @@ private Q_SLOTS:
     }
     void cleanup()
     {
-        if (QPointer<QWidget> open = dialog_; open && open->isVisible())
-            open->close();
+        for (QWidget *top : QApplication::topLevelWidgets()) {
+            if (top->objectName() == QLatin1String("delete_dlg"))
+                top->close();
+        }
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         dialog_ = nullptr;
         QCOMPARE(sBlocked, 0);

@@ -1,0 +1,377 @@
+// Destination menus: cascades of directories, their scans, choosing, confirming, the prompt; and
+// the list's context menu that carries them.
+#include "commands/as.h"
+#include "commands/clip.h"
+#include "commands/lcm.h"
+#include "commands/mgen.h"
+#include "commands/worker.h"
+#include "jobs.h"
+#include "support/boxes.h"
+#include "views/fl_fixture.h"
+#include "views/tree_hotlist.h"
+
+#include <QClipboard>
+#include <QDialog>
+#include <QGuiApplication>
+#include <QMimeData>
+#include <QPushButton>
+
+namespace tav {
+
+using test::gJobs;
+
+namespace {
+
+std::vector<std::string> sChosen;
+int x_chosen(const char *path)
+{
+    sChosen.emplace_back(path ? path : "other");
+    return 0;
+}
+
+QStringList x_texts(const QMenu &menu)
+{
+    QStringList texts;
+    for (const QAction *action : menu.actions())
+        texts << (action->isSeparator() ? QStringLiteral("-") : action->text());
+    return texts;
+}
+
+QStringList x_list(const char *texts) { return QString::fromUtf8(texts).split(QLatin1Char(' ')); }
+
+} // namespace
+
+class DtmTest : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<FlWindow> m_window;
+    std::unique_ptr<TestDir> m_dir;
+    uint32_t m_flags = 0;
+
+    void select(std::initializer_list<const char *> names)
+    {
+        fl_setpath(m_dir->path().c_str());
+        fl_refresh();
+        for (const char *name : names)
+            fl_select(name, FL_EXACT);
+    }
+    // A menu with one item for the test's directory, whose submenu is open.
+    DirMenuItem *open(QMenu &menu)
+    {
+        DirMenuItem *item = dtm_add_item(&menu, m_dir->path(), "label", 0, x_chosen);
+        menu.popup(QPoint(0, 0));
+        menu.setActiveAction(item);
+        return item;
+    }
+    QMessageBox *box()
+    {
+        QList<QMessageBox *> boxes = test::boxes_standing();
+        return boxes.isEmpty() ? nullptr : boxes.first();
+    }
+    void answer(const char *label)
+    {
+        QAbstractButton *button = test::boxes_button(box(), QLatin1String(label));
+        QVERIFY(button);
+        QTest::mouseClick(button, Qt::LeftButton);
+        QTRY_VERIFY(!box());
+    }
+    QStringList context_menu()
+    {
+        QMenu menu;
+        lcm_setup(&menu);
+        return x_texts(menu);
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        ui_gate_open();
+        clip_setup();
+        m_flags = gConfig->flags;
+        as_set_defaults();
+    }
+    void init()
+    {
+        gConfig->flags = 0;
+        m_dir = std::make_unique<TestDir>();
+        m_window = std::make_unique<FlWindow>();
+        test::jobs_catch();
+        sChosen.clear();
+        tree_set_paths({"/", m_dir->path()});
+        QGuiApplication::clipboard()->setMimeData(new QMimeData);
+    }
+    void cleanup()
+    {
+        m_window.reset();
+        m_dir.reset();
+        gConfig->flags = m_flags;
+        QTRY_COMPARE(worker_count(), 0);
+    }
+
+    void label_ends_in_one_slash()
+    {
+        QMenu menu;
+        QCOMPARE(dtm_add_item(&menu, "/a", "a&b", 0, x_chosen)->text(), QStringLiteral("a&&b/"));
+        QCOMPARE(dtm_add_item(&menu, "/", "/", 0, x_chosen)->text(), QStringLiteral("/"));
+    }
+
+    void submenu_says_scanning_and_is_then_the_directories_in_order()
+    {
+        for (const char *name : {"10", "2", "1a", "x&y"})
+            m_dir->dir(name);
+        m_dir->dir("2/below");
+        QMenu menu;
+        DirMenuItem *item = dtm_add_item(&menu, m_dir->path(), "label", 0, x_chosen);
+        item->arm();
+        QCOMPARE(x_texts(*item->submenu), QStringList{QStringLiteral("Scanning...")});
+        QVERIFY(!item->submenu->actions().first()->isEnabled());
+        menu.popup(QPoint(0, 0));
+        menu.setActiveAction(item);
+        QTRY_COMPARE(item->items.size(), 4);
+        QTRY_VERIFY(item->submenu->isVisible());
+        QCOMPARE(x_texts(*item->submenu), x_list("1a/ 2/ 10/ x&&y/"));
+        QTRY_COMPARE(item->items[1]->state(), DtmState::cascade);
+        QTRY_COMPARE(item->items[3]->state(), DtmState::plain);
+    }
+
+    void directory_without_subdirectories_becomes_a_plain_item()
+    {
+        m_dir->file("file");
+        QMenu menu;
+        DirMenuItem *item = open(menu);
+        QTRY_COMPARE(item->state(), DtmState::plain);
+        QVERIFY(!item->menu());
+        item->trigger();
+        QTRY_COMPARE(sChosen, std::vector{m_dir->path()});
+    }
+
+    void directory_that_vanishes_while_its_menu_opens_becomes_plain()
+    {
+        QMenu menu;
+        DirMenuItem *item = dtm_add_item(&menu, m_dir->at("gone"), "gone", 0, x_chosen);
+        menu.popup(QPoint(0, 0));
+        menu.setActiveAction(item);
+        QTRY_COMPARE(item->state(), DtmState::plain);
+    }
+
+    void examined_at_creation_only_with_the_option()
+    {
+        m_dir->dir("sub");
+        QMenu menu;
+        DirMenuItem *with = dtm_add_item(&menu, m_dir->path(), "x", DTM_EXAMINE, x_chosen);
+        DirMenuItem *leaf = dtm_add_item(&menu, m_dir->at("sub"), "x", DTM_EXAMINE, x_chosen);
+        DirMenuItem *without = dtm_add_item(&menu, m_dir->path(), "x", 0, x_chosen);
+        QTRY_COMPARE(with->state(), DtmState::cascade);
+        QTRY_COMPARE(leaf->state(), DtmState::plain);
+        QVERIFY(with->menu() && !leaf->menu());
+        QCOMPARE(without->state(), DtmState::unknown);
+        QCOMPARE(with->flags, 0u);
+    }
+
+    void ctrl_enter_chooses_an_item_that_has_a_submenu()
+    {
+        m_dir->dir("sub");
+        QMenu menu;
+        open(menu);
+        QTest::keyClick(&menu, Qt::Key_Return, Qt::ControlModifier);
+        QTRY_COMPARE(sChosen, std::vector{m_dir->path()});
+        QVERIFY(!menu.isVisible());
+    }
+
+    void double_click_chooses_an_item_that_has_a_submenu()
+    {
+        m_dir->dir("sub");
+        QMenu menu;
+        DirMenuItem *item = open(menu);
+        QTRY_COMPARE(item->items.size(), 1);
+        const QPoint place = menu.actionGeometry(item).center();
+        QTest::mouseClick(&menu, Qt::LeftButton, {}, place);
+        QVERIFY(sChosen.empty());
+        QTest::mouseDClick(&menu, Qt::LeftButton, {}, place);
+        QTRY_COMPARE(sChosen.size(), 1u);
+    }
+
+    void letter_moves_to_the_next_item_that_begins_with_it()
+    {
+        for (const char *name : {"apple", "bean", "berry"})
+            m_dir->dir(name);
+        QMenu menu;
+        DirMenuItem *item = open(menu);
+        QTRY_COMPARE(item->items.size(), 3);
+        QTRY_VERIFY(item->submenu->isVisible());
+        QTest::keyClick(item->submenu, Qt::Key_B);
+        QCOMPARE(item->submenu->activeAction(), item->items[1]);
+        QTest::keyClick(item->submenu, Qt::Key_B);
+        QCOMPARE(item->submenu->activeAction(), item->items[2]);
+        QTest::keyClick(item->submenu, Qt::Key_B);
+        QCOMPARE(item->submenu->activeAction(), item->items[1]);
+    }
+
+    void opened_and_closed_a_thousand_times()
+    {
+        for (int i = 0; i < 50; i++)
+            m_dir->dir(std::to_string(i) + "/sub");
+        for (int i = 0; i < 1000; i++) {
+            QMenu menu;
+            DirMenuItem *item = dtm_add_item(&menu, m_dir->path(), "x", 0, x_chosen);
+            item->arm();
+            Q_EMIT item->submenu->aboutToShow();
+            if (i % 3 == 0)
+                QCoreApplication::processEvents();
+        }
+        QTRY_COMPARE(worker_count(), 0);
+        QVERIFY(sChosen.empty());
+    }
+
+    void nothing_selected_adds_no_destination_items_and_answers_three()
+    {
+        select({});
+        QMenu menu;
+        QCOMPARE(mgen_work_insert(&menu, nullptr), 3);
+        QVERIFY(menu.actions().isEmpty());
+    }
+
+    void destination_items_open_on_other_and_the_hotlist()
+    {
+        m_dir->file("a");
+        select({"a"});
+        QMenu menu;
+        QCOMPARE(mgen_work_insert(&menu, nullptr), 3);
+        QCOMPARE(x_texts(menu),
+                 (QStringList{QStringLiteral("&Copy To"), QStringLiteral("&Move To")}));
+        QMenu *cascade = menu.actions().first()->menu();
+        QCOMPARE(x_texts(*cascade), QStringList{QStringLiteral("&Other...")});
+        for (int twice = 0; twice < 2; twice++) {
+            Q_EMIT cascade->aboutToShow();
+            QCOMPARE(
+                x_texts(*cascade),
+                (QStringList{QStringLiteral("&Other..."), QStringLiteral("-"), QStringLiteral("/"),
+                             QString::fromStdString(m_dir->path()) + QLatin1Char('/')}));
+        }
+    }
+
+    void empty_hotlist_leaves_other_alone()
+    {
+        tree_set_paths({});
+        QMenu menu;
+        mgen_add_tree(&menu, x_chosen);
+        QVERIFY(menu.actions().isEmpty());
+    }
+
+    void three_files_to_tmp_are_confirmed_as_three_files()
+    {
+        for (const char *name : {"a", "b", "c"})
+            m_dir->file(name);
+        select({"a", "b", "c"});
+        x_copy_to_dest("/tmp");
+        QVERIFY(box());
+        QCOMPARE(box()->windowTitle(), QStringLiteral("copy"));
+        QCOMPARE(test::boxes_text(box()),
+                 QStringLiteral("Do you want to copy 3 files to\n'/tmp'\n"));
+        QCOMPARE(box()->defaultButton()->text(), QStringLiteral("&Yes"));
+        fl_unselect_all(nullptr); // the answer is about the files of the question
+        answer("&Yes");
+        QCOMPARE(gJobs, std::vector{"copy " + m_dir->path() + ": a b c -> /tmp"});
+    }
+
+    void one_file_is_confirmed_by_its_name_and_no_stops()
+    {
+        m_dir->file("a");
+        select({"a"});
+        x_move_to_dest("/tmp");
+        QCOMPARE(box()->windowTitle(), QStringLiteral("move"));
+        QCOMPARE(test::boxes_text(box()), QStringLiteral("Do you want to move a to\n'/tmp'\n"));
+        answer("&No");
+        x_move_to_dest("/tmp");
+        QTest::keyClick(box(), Qt::Key_Escape);
+        QTRY_VERIFY(!box());
+        QVERIFY(gJobs.empty());
+    }
+
+    void other_asks_for_a_directory_and_remembers_it()
+    {
+        m_dir->file("a");
+        select({"a"});
+        auto prompt = [this] {
+            return m_window->window.findChild<QDialog *>(QStringLiteral("input_dest"));
+        };
+        x_copy_to_dest(nullptr);
+        QVERIFY(prompt());
+        QCOMPARE(prompt()->windowTitle(), QStringLiteral("Copy to"));
+        auto *field = prompt()->findChild<QLineEdit *>(QStringLiteral("dest_text"));
+        QCOMPARE(field->maxLength(), 1024);
+        field->setText(QStringLiteral("there"));
+        QTest::keyClick(field, Qt::Key_Return);
+        QTRY_COMPARE(gJobs,
+                     std::vector{"copy " + m_dir->path() + ": a -> " + m_dir->path() + "/there/"});
+        QTRY_VERIFY(!prompt());
+        x_move_to_dest(nullptr);
+        QCOMPARE(prompt()->windowTitle(), QStringLiteral("Move to"));
+        field = prompt()->findChild<QLineEdit *>(QStringLiteral("dest_text"));
+        QCOMPARE(field->text(), QStringLiteral("there"));
+        QTest::mouseClick(prompt()->findChild<QPushButton *>(QStringLiteral("dest_cancel")),
+                          Qt::LeftButton);
+        QTRY_VERIFY(!prompt());
+        x_move_to_dest(nullptr);
+        prompt()
+            ->findChild<QLineEdit *>(QStringLiteral("dest_text"))
+            ->setText(QStringLiteral("  "));
+        QTest::mouseClick(prompt()->findChild<QPushButton *>(QStringLiteral("dest_ok")),
+                          Qt::LeftButton);
+        QTRY_VERIFY(!prompt());
+        QCOMPARE(gJobs.size(), 1u);
+    }
+
+    void context_menu_without_selection_and_clipboard_adds_nothing()
+    {
+        select({});
+        QVERIFY(context_menu().isEmpty());
+    }
+
+    void context_menu_of_a_file_without_association()
+    {
+        m_dir->file("thing");
+        select({"thing"});
+        QCOMPARE(context_menu().join(QLatin1Char('|')),
+                 QStringLiteral("Open &With|-|&Print|-|Cu&t|C&opy|&Delete|&Rename|-|&Copy To|&Move "
+                                "To|-|&Inspect|-"));
+    }
+
+    void context_menu_shows_what_the_association_can_do()
+    {
+        apat.clear();
+        _add_pat("*.x", "open", "", "edit");
+        m_dir->file("a.x");
+        m_dir->file("b");
+        select({"a.x"});
+        QCOMPARE(context_menu().mid(0, 3).join(QLatin1Char('|')),
+                 QStringLiteral("&Open|&Edit|Open &With"));
+        fl_select("b", FL_EXACT);
+        QCOMPARE(context_menu().first(), QStringLiteral("Open &With"));
+        QVERIFY(!context_menu().contains(QStringLiteral("&Rename")));
+        as_set_defaults();
+    }
+
+    void context_menu_of_a_directory_and_a_file_cannot_print()
+    {
+        m_dir->file("a");
+        m_dir->dir("d");
+        select({"a", "d"});
+        const QStringList texts = context_menu();
+        QCOMPARE(texts.mid(0, 4).join(QLatin1Char('|')),
+                 QStringLiteral("&Open|Open In Win&dow|-|Cu&t"));
+        QVERIFY(!texts.contains(QStringLiteral("&Print")));
+    }
+
+    void context_menu_offers_paste_whatever_is_selected()
+    {
+        select({});
+        clip_put(std::make_shared<const FileListRecord>(transf_make("/x", {"y"})), false);
+        QCOMPARE(context_menu(), (QStringList{QStringLiteral("&Paste"), QStringLiteral("-")}));
+    }
+};
+
+} // namespace tav
+
+QTEST_MAIN(tav::DtmTest)
+#include "dtm_qtest.moc"
