@@ -14,7 +14,7 @@ namespace tav {
 namespace {
 
 constexpr size_t PIECE_SIZE = 31;               // characters of a line that are read at once
-constexpr size_t FILE_LIMIT = 64 * 1024 * 1024; // bytes of a file that is believed to hold bindings
+constexpr size_t FILE_LIMIT = size_t(64) << 20; // bytes of a file that is believed to hold bindings
 
 // dir, a "/" where one is missing, and name; nothing when both are null.
 std::optional<std::string> path_of(const char *dir, const char *name)

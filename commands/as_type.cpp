@@ -43,7 +43,8 @@ std::string x_read_line(FILE *stream)
     }
     size_t end = line.find('\n');
     line.resize(end == line.npos ? line.size() : end + 1);
-    return line.c_str(); // what follows a NUL is no text
+    line.resize(std::strlen(line.c_str())); // what follows a NUL is no text
+    return line;
 }
 
 // What follows the name and its colon; a name may hold colons itself.

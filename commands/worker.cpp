@@ -49,7 +49,7 @@ int worker_start(std::function<void()> work)
     sCount++;
     const int error = x_create(owned.get());
     if (error == 0) {
-        owned.release(); // the thread's now
+        static_cast<void>(owned.release()); // the thread's now
         return 0;
     }
     sCount--;

@@ -56,7 +56,7 @@ std::string long_name_cut(std::string name, size_t limit)
 }
 
 QWidget *long_name_open(const std::string &source, const std::string &dest, FopPlace &place,
-                        std::function<void(bool)> answered)
+                        const std::function<void(bool)> &answered)
 {
     auto *dialog = new QDialog;
     dialog->setAttribute(Qt::WA_DeleteOnClose);

@@ -16,7 +16,7 @@ constexpr size_t LONG_NAME_NEW = 47;  // bytes of the new one
 // Opens the dialog without waiting. When it is closed, answered gets whether a name was given;
 // place then holds it and an open descriptor of the shown directory. Both must stay until then.
 QWidget *long_name_open(const std::string &source, const std::string &dest, FopPlace &place,
-                        std::function<void(bool)> answered);
+                        const std::function<void(bool)> &answered);
 
 // A name cut to at most limit bytes, between two characters.
 std::string long_name_cut(std::string name, size_t limit);

@@ -104,7 +104,7 @@ int x_route(int signal, const std::function<void(int)> &handler)
 
 } // namespace
 
-int signals_add(std::initializer_list<int> set, std::function<void(int signal)> handler)
+int signals_add(std::initializer_list<int> set, const std::function<void(int signal)> &handler)
 {
     for (const int signal : set) {
         if (!x_may_be_caught(signal)) {

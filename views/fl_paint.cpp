@@ -53,7 +53,7 @@ QColor x_readable(const QColor &ground, const QColor &a, const QColor &b)
 
 Look x_look(const FlView &view)
 {
-    const QPalette palette = view.palette();
+    const QPalette &palette = view.palette();
     const bool active = view.hasFocus() && view.isActiveWindow();
     const QPalette::ColorGroup group = active ? QPalette::Active : QPalette::Inactive;
     Look look;
