@@ -241,6 +241,7 @@ int tree_dnd_cb(TreeView *tree, TreeItem *target, bool after)
         moved->setExpanded(expanded);
     }
     std::vector<std::string> labels;
+    labels.reserve(static_cast<size_t>(tree->topLevelItemCount()));
     for (int i = 0; i < tree->topLevelItemCount(); ++i)
         labels.push_back(static_cast<TreeItem *>(tree->topLevelItem(i))->name);
     tree_set_paths(labels);
