@@ -5,7 +5,7 @@ namespace tav {
 namespace {
 
 struct FopCheck : testing::Test {
-    TestDir dir;
+    JobDir dir;
     Driver driver;
     FopCheck()
     {

@@ -15,7 +15,7 @@ namespace tav {
 namespace {
 
 struct FopCopy : testing::Test {
-    TestDir dir;
+    JobDir dir;
     Driver driver;
     FopCopy()
     {
@@ -436,7 +436,7 @@ TEST_F(FopCopy, holes_stay_holes)
 TEST_F(FopCopy, large_files_arrive_by_every_way)
 {
     std::string content;
-    for (int i = 0; content.size() < (5u << 20); i++)
+    for (unsigned i = 0; content.size() < (5u << 20); i++)
         content += std::to_string(i * 7919);
     dir.file("src/a", content);
     driver.copy(dir, {"a"});
@@ -497,7 +497,7 @@ TEST_F(FopCopy, what_a_killed_process_left_is_removed_by_the_next_that_needs_a_s
 TEST_F(FopCopy, what_appears_meanwhile_is_asked_about)
 {
     dir.file("src/a", "new");
-    static const TestDir *sDir;
+    static const JobDir *sDir;
     sDir = &dir;
     gFopSys.linkfd = [](int fd, int at, const char *name) {
         if (!sDir->exists("dst/a"))

@@ -11,7 +11,7 @@ namespace tav {
 namespace {
 
 struct FopDelete : testing::Test {
-    TestDir dir;
+    JobDir dir;
     Driver driver;
     FopDelete() { dir.dir("src"); }
     std::string text(size_t i)
@@ -159,7 +159,7 @@ TEST_F(FopDelete, a_directory_swapped_for_a_link_leads_nowhere_else)
 
 TEST(FopDeep, a_depth_of_3000_directories_is_copied_moved_and_deleted)
 {
-    TestDir dir("/dev/shm"); // a disk's file system is slow at making what was just deleted
+    JobDir dir("/dev/shm"); // a disk's file system is slow at making what was just deleted
     Driver driver;
     dir.dir("src");
     dir.dir("dst");
@@ -268,7 +268,7 @@ TEST_F(FopScan, counts_names_and_sizes)
 }
 
 // Runs body as an ordinary user in a process of its own when we are the superuser; its exit status.
-int as_user(const TestDir &dir, const std::function<int()> &body)
+int as_user(const JobDir &dir, const std::function<int()> &body)
 {
     if (::geteuid() == 0) {
         std::string command = "chown -R 12345:12345 '" + dir.path + "'";

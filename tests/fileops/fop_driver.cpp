@@ -15,7 +15,7 @@
 namespace tav {
 namespace fs = std::filesystem;
 
-TestDir::TestDir(const char *below)
+JobDir::JobDir(const char *below)
 {
     const char *base = below ? below : std::getenv("TMPDIR");
     std::string name = std::string(base ? base : "/tmp") + "/tav-test-XXXXXX";
@@ -24,41 +24,41 @@ TestDir::TestDir(const char *below)
     path = name;
 }
 
-TestDir::~TestDir()
+JobDir::~JobDir()
 {
     std::string command = "chmod -R u+rwx '" + path + "' 2>/dev/null; rm -rf '" + path + "'";
     [[maybe_unused]] int status = std::system(command.c_str());
 }
 
-void TestDir::dir(const std::string &name, mode_t mode) const
+void JobDir::dir(const std::string &name, mode_t mode) const
 {
     fs::create_directories(path + "/" + name);
     ::chmod((path + "/" + name).c_str(), mode);
 }
 
-void TestDir::file(const std::string &name, const std::string &content, mode_t mode) const
+void JobDir::file(const std::string &name, const std::string &content, mode_t mode) const
 {
     std::ofstream(path + "/" + name, std::ios::binary) << content;
     ::chmod((path + "/" + name).c_str(), mode);
 }
 
-void TestDir::link(const std::string &name, const std::string &target) const
+void JobDir::link(const std::string &name, const std::string &target) const
 {
     ASSERT_EQ(::symlink(target.c_str(), (path + "/" + name).c_str()), 0);
 }
 
-void TestDir::fifo(const std::string &name, mode_t mode) const
+void JobDir::fifo(const std::string &name, mode_t mode) const
 {
     ASSERT_EQ(::mkfifo((path + "/" + name).c_str(), mode), 0);
 }
 
-bool TestDir::exists(const std::string &name) const
+bool JobDir::exists(const std::string &name) const
 {
     struct stat status;
     return ::lstat((path + "/" + name).c_str(), &status) == 0;
 }
 
-std::string TestDir::read(const std::string &name) const
+std::string JobDir::read(const std::string &name) const
 {
     std::ifstream in(path + "/" + name, std::ios::binary);
     std::stringstream all;
@@ -66,14 +66,14 @@ std::string TestDir::read(const std::string &name) const
     return in ? all.str() : "(none)";
 }
 
-struct stat TestDir::status(const std::string &name) const
+struct stat JobDir::status(const std::string &name) const
 {
     struct stat status {};
     EXPECT_EQ(::lstat((path + "/" + name).c_str(), &status), 0) << name;
     return status;
 }
 
-std::map<std::string, std::string> TestDir::all(const std::string &name) const
+std::map<std::string, std::string> JobDir::all(const std::string &name) const
 {
     std::map<std::string, std::string> found;
     std::string top = name.empty() ? path : path + "/" + name;
@@ -186,17 +186,17 @@ void Driver::run(int op, const std::string &source, const std::vector<std::strin
     fop_thread(job);
 }
 
-void Driver::copy(const TestDir &dir, const std::vector<std::string> &names, uint32_t flags)
+void Driver::copy(const JobDir &dir, const std::vector<std::string> &names, uint32_t flags)
 {
     run(FOP_COPY, dir / "src", names, dir / "dst", flags);
 }
 
-void Driver::move(const TestDir &dir, const std::vector<std::string> &names, uint32_t flags)
+void Driver::move(const JobDir &dir, const std::vector<std::string> &names, uint32_t flags)
 {
     run(FOP_MOVE, dir / "src", names, dir / "dst", flags);
 }
 
-void Driver::remove(const TestDir &dir, const std::vector<std::string> &names, uint32_t flags)
+void Driver::remove(const JobDir &dir, const std::vector<std::string> &names, uint32_t flags)
 {
     run(FOP_DELETE, dir / "src", names, "", flags);
 }

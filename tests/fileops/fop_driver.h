@@ -15,14 +15,14 @@
 namespace tav {
 
 // A directory of a test's own, removed with all its contents.
-struct TestDir {
+struct JobDir {
     std::string path;
 
     // Below the directory for temporary files, or below an existing one.
-    explicit TestDir(const char *below = nullptr);
-    ~TestDir();
-    TestDir(const TestDir &) = delete;
-    TestDir &operator=(const TestDir &) = delete;
+    explicit JobDir(const char *below = nullptr);
+    ~JobDir();
+    JobDir(const JobDir &) = delete;
+    JobDir &operator=(const JobDir &) = delete;
 
     std::string operator/(const std::string &name) const { return path + "/" + name; }
     void dir(const std::string &name, mode_t mode = 0755) const;
@@ -65,9 +65,9 @@ struct Driver {
     // Runs a job to its end.
     void run(int op, const std::string &source, const std::vector<std::string> &names,
              const std::string &dest, uint32_t flags = 0);
-    void copy(const TestDir &dir, const std::vector<std::string> &names, uint32_t flags = 0);
-    void move(const TestDir &dir, const std::vector<std::string> &names, uint32_t flags = 0);
-    void remove(const TestDir &dir, const std::vector<std::string> &names, uint32_t flags = 0);
+    void copy(const JobDir &dir, const std::vector<std::string> &names, uint32_t flags = 0);
+    void move(const JobDir &dir, const std::vector<std::string> &names, uint32_t flags = 0);
+    void remove(const JobDir &dir, const std::vector<std::string> &names, uint32_t flags = 0);
     std::string texts() const; // of all questions, one after another
 };
 

@@ -21,7 +21,7 @@ struct FaultRow {
 
 struct FopFault : testing::TestWithParam<FaultRow> {};
 
-void x_make_tree(const TestDir &dir)
+void x_make_tree(const JobDir &dir)
 {
     dir.dir("src/d/e");
     dir.file("src/d/a", "alpha");
@@ -36,7 +36,7 @@ void x_make_tree(const TestDir &dir)
     dir.file("outside/x", "precious");
 }
 
-void x_clear(const TestDir &dir)
+void x_clear(const JobDir &dir)
 {
     for (const char *name : {"src", "dst", "outside"})
         std::filesystem::remove_all(dir / name);
@@ -44,7 +44,7 @@ void x_clear(const TestDir &dir)
 
 // What may be said of the tree after any job that may have failed anywhere. overwritten: the answer
 // allowed it.
-void x_check(const TestDir &dir, const FaultRow &row, bool overwritten)
+void x_check(const JobDir &dir, const FaultRow &row, bool overwritten)
 {
     auto src = dir.all("src"), dst = dir.all("dst");
     EXPECT_EQ(dir.read("outside/x"), "precious");
@@ -72,7 +72,7 @@ void x_check(const TestDir &dir, const FaultRow &row, bool overwritten)
 }
 
 // Runs the job with the call number n failing; how many calls it made.
-long x_run(const TestDir &dir, const FaultRow &row, long n, int error, int answer)
+long x_run(const JobDir &dir, const FaultRow &row, long n, int error, int answer)
 {
     x_make_tree(dir);
     Driver driver;
@@ -101,7 +101,7 @@ long x_run(const TestDir &dir, const FaultRow &row, long n, int error, int answe
 TEST_P(FopFault, loses_nothing)
 {
     const FaultRow &row = GetParam();
-    TestDir dir("/dev/shm");
+    JobDir dir("/dev/shm");
     for (int error : ERRORS) {
         for (int answer = 1; answer <= 4; answer++) {
             long calls = 1;

@@ -21,7 +21,7 @@ void x_write(const char *path, const std::string &text)
 }
 
 // Runs body in a process that has a file system of two megabytes at dst; its answer.
-int with_small_disk(const TestDir &dir, const std::function<bool()> &body)
+int with_small_disk(const JobDir &dir, const std::function<bool()> &body)
 {
     std::string uid = std::to_string(::geteuid()), gid = std::to_string(::getegid());
     pid_t child = ::fork();
@@ -41,7 +41,7 @@ int with_small_disk(const TestDir &dir, const std::function<bool()> &body)
 }
 
 struct FopFull : testing::Test {
-    TestDir dir;
+    JobDir dir;
     Driver driver;
     std::string content = std::string(MIB + 300'000, 'x');
     FopFull()

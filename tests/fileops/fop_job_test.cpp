@@ -86,7 +86,7 @@ TEST(FopThread, runs_detached_and_marks_its_end_last)
     static bool sDone;
     sDone = false;
     SysGuard sys;
-    TestDir dir;
+    JobDir dir;
     dir.dir("src");
     dir.dir("dst");
     dir.file("src/a", "one");
@@ -112,7 +112,7 @@ TEST(FopThread, shows_done_for_a_second)
 {
     static unsigned sDelay;
     sDelay = 0;
-    TestDir dir;
+    JobDir dir;
     dir.dir("src");
     dir.dir("dst");
     dir.file("src/a", "one");
@@ -126,7 +126,7 @@ TEST(FopThread, shows_done_for_a_second)
 
 TEST(FopThread, a_relative_path_holds_for_the_directory_of_the_start)
 {
-    TestDir dir;
+    JobDir dir;
     dir.dir("src");
     dir.dir("dst");
     dir.file("src/a", "one");
@@ -201,7 +201,7 @@ TEST(FopAlert, takes_the_marks_off)
 
 TEST(FopAlert, cuts_a_message_of_more_than_1023_bytes_between_characters)
 {
-    TestDir dir;
+    JobDir dir;
     dir.dir("src");
     Driver driver;
     std::string name(255, 'x');

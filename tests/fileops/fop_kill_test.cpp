@@ -30,7 +30,7 @@ int x_kills()
 std::string x_name(int i) { return (i % 3 ? "d/file" : "d/e/file") + std::to_string(i); }
 std::string x_content(int i) { return std::string(static_cast<size_t>(i * i * 300 + 1), 'a'); }
 
-void x_make(const TestDir &dir, bool taken)
+void x_make(const JobDir &dir, bool taken)
 {
     dir.dir("src/d/e");
     dir.dir("dst");
@@ -44,7 +44,7 @@ void x_make(const TestDir &dir, bool taken)
 }
 
 // Starts the job in a process of its own and kills it after so many microseconds.
-void x_run_and_kill(const TestDir &dir, const KillRow &row, int microseconds)
+void x_run_and_kill(const JobDir &dir, const KillRow &row, int microseconds)
 {
     int ready[2];
     ASSERT_EQ(::pipe(ready), 0);
@@ -68,7 +68,7 @@ void x_run_and_kill(const TestDir &dir, const KillRow &row, int microseconds)
     ASSERT_EQ(::waitpid(child, &status, 0), child);
 }
 
-void x_check(const TestDir &dir, const KillRow &row)
+void x_check(const JobDir &dir, const KillRow &row)
 {
     auto src = dir.all("src"), dst = dir.all("dst");
     size_t known = 0;
@@ -98,7 +98,7 @@ TEST_P(FopKill, loses_nothing_and_leaves_nothing)
 {
     std::mt19937 random(20240607);
     const KillRow &row = GetParam();
-    TestDir dir("/dev/shm");
+    JobDir dir("/dev/shm");
     for (int i = 0; i < x_kills() && !HasFailure(); i++) {
         int after = static_cast<int>(random() % LONGEST_US);
         SCOPED_TRACE(testing::Message() << "kill " << i << " after " << after << " microseconds");

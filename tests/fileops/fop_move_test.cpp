@@ -10,7 +10,7 @@ namespace tav {
 namespace {
 
 struct FopMove : testing::Test {
-    TestDir dir;
+    JobDir dir;
     Driver driver;
     FopMove()
     {

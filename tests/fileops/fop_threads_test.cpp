@@ -66,7 +66,7 @@ TEST(FopThreads, twenty_jobs_at_once)
     SysGuard sys;
     // The job is looked at after its start, so that its end has to wait a moment.
     gFopSys.delay = [](unsigned) { gFopSysReal.delay(20); };
-    TestDir dir("/dev/shm");
+    JobDir dir("/dev/shm");
     for (int i = 0; i < JOBS; i++) {
         std::string at = "j" + std::to_string(i);
         dir.dir(at + "/src/d/e");
@@ -97,7 +97,7 @@ TEST(FopThreads, fifty_jobs_share_the_descriptors_that_there_are)
 {
     SysGuard sys;
     gFopSys.delay = [](unsigned) { gFopSysReal.delay(20); };
-    TestDir dir("/dev/shm");
+    JobDir dir("/dev/shm");
     for (int i = 0; i < 50; i++)
         dir.dir("j" + std::to_string(i) + "/src/d/e/f/g/h/i/j/k/l");
     for (int i = 0; i < 50; i++)
@@ -110,7 +110,7 @@ TEST(FopThreads, fifty_jobs_share_the_descriptors_that_there_are)
 
 TEST(FopThreads, abort_while_asking_ends_the_job)
 {
-    TestDir dir;
+    JobDir dir;
     dir.dir("src");
     dir.dir("dst");
     for (const char *name : {"a", "b", "c"})
