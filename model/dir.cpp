@@ -82,7 +82,8 @@ DirEntry *x_take_entry(Reading &reading)
     reading.in_hand = nullptr;
     if (!entry && listing.spare > 0) {
         listing.spare--;
-        std::swap(entry, listing.entries[static_cast<size_t>(listing.count + listing.spare)]);
+        std::swap(entry, listing.entries[static_cast<size_t>(listing.count) +
+                                         static_cast<size_t>(listing.spare)]);
     }
     if (!entry)
         return dir_new_entry();
@@ -128,7 +129,7 @@ void x_append(DirListing &listing, DirEntry *entry)
 // Makes an entry that is no longer needed a spare, or frees it when there is no slot.
 void x_discard_entry(DirListing &listing, DirEntry *entry)
 {
-    size_t behind = static_cast<size_t>(listing.count + listing.spare);
+    size_t behind = static_cast<size_t>(listing.count) + static_cast<size_t>(listing.spare);
     if (behind >= listing.entries.size())
         return dir_free_entry(entry);
     listing.entries[behind] = entry;
