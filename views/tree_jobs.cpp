@@ -68,7 +68,7 @@ bool start_thread(std::function<void()> work)
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     pthread_attr_destroy(&attributes);
     if (started)
-        data.release(); // the thread's now
+        static_cast<void>(data.release()); // the thread's now
     return started;
 }
 
