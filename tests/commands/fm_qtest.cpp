@@ -62,7 +62,7 @@ private Q_SLOTS:
         m_window = std::make_unique<Window>();
         for (const char *name : {"shown/a.c", "shown/b.c", "shown/c.core", "shown/none.xyz"})
             m_window->dir.file(name);
-        m_window->dir.link("shown/program.run", WRITE_ARGS);
+        m_window->dir.link("shown/program.run", test::write_args_path());
         m_window->dir.dir("shown/docs");
         m_window->dir.dir("shown/more");
         for (const char *name : {"ped", "lp", "pterm", "tav", "show"})

@@ -5,6 +5,7 @@
 #include "commands/misc.h"
 #include "model/dir.h"
 #include "platform/child.h"
+#include "support/write_args.h"
 
 #include <chrono>
 #include <csignal>
@@ -62,7 +63,7 @@ protected:
     // A program of that name writes its arguments down.
     void stand_in(const std::string &name) const
     {
-        std::filesystem::create_symlink(WRITE_ARGS, bin + "/" + name);
+        std::filesystem::create_symlink(test::write_args_path(), bin + "/" + name);
     }
 
     void script(const std::string &name, const std::string &text) const

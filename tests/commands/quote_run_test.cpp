@@ -184,7 +184,7 @@ TEST_F(QuoteRun, TheListedFileItselfIsOneArgument)
         if (name.find('/') != name.npos)
             continue;
         const std::string path = gDir.path + "/" + name;
-        std::filesystem::create_symlink(WRITE_ARGS, path);
+        std::filesystem::create_symlink(test::write_args_path(), path);
         EXPECT_GT(misc_run_program(path), 0) << x_printable(name);
         EXPECT_EQ(received(), Texts{}) << x_printable(name);
         std::filesystem::remove(path);

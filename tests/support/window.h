@@ -8,6 +8,7 @@
 #include "platform/child.h"
 #include "platform/ui_gate.h"
 #include "platform/w.h"
+#include "support/write_args.h"
 #include "testdir.h"
 #include "views/fl.h"
 #include "views/fl_view.h"
@@ -56,7 +57,7 @@ public:
     }
 
     // A program of that name writes its arguments down.
-    void stand_in(const char *name) { dir.link("bin/" + std::string(name), WRITE_ARGS); }
+    void stand_in(const char *name) { dir.link("bin/" + std::string(name), write_args_path()); }
 
     void script(const char *name, const std::string &text)
     {
