@@ -7,11 +7,11 @@ file(GLOB TAV_CORE_SOURCES ${_glob}
     app/config.cpp app/cl.cpp app/init_boxes.cpp app/options.cpp app/start.cpp
     fileops/fop*.cpp fileops/alloc.cpp
     commands/as*.cpp commands/misc*.cpp commands/pipe.cpp commands/quote*.cpp
-    commands/transf*.cpp commands/uri*.cpp commands/worker.cpp commands/clip_x11.cpp
+    commands/transf*.cpp commands/uri*.cpp commands/clip_x11.cpp
     commands/dtm_scan.cpp
     views/history.cpp views/tree_hotlist.cpp views/tree_file.cpp views/tree_merge.cpp
     views/tree_jobs.cpp views/prop_apply.cpp views/prop_gather.cpp app/ac.cpp app/kb*.cpp platform/ini.cpp
-    platform/replace_file.cpp platform/child.cpp platform/stop_watch.cpp)
+    platform/replace_file.cpp platform/child.cpp platform/stop_watch.cpp platform/worker.cpp)
 list(FILTER TAV_CORE_SOURCES EXCLUDE REGEX "_(dlg|ui)[.]cpp$")
 
 file(GLOB TAV_UI_SOURCES ${_glob} platform/*.cpp views/*.cpp fileops/*.cpp commands/*.cpp app/*.cpp)

@@ -4,8 +4,8 @@
 #include "commands/clip_read.h"
 #include "commands/clip_offer.h"
 #include "commands/clip_x11.h"
-#include "commands/worker.h"
 #include "platform/ui_gate.h"
+#include "platform/worker.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

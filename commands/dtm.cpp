@@ -3,10 +3,10 @@
 // of the main loop so that a huge directory does not stop the window, and takes the first one's
 // place.
 #include "commands/dtm.h"
-#include "commands/worker.h"
 #include "platform/shown.h"
 #include "platform/ui_gate.h"
 #include "platform/w.h"
+#include "platform/worker.h"
 
 #include <QCoreApplication>
 #include <QPointer>

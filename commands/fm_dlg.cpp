@@ -2,10 +2,10 @@
 #include "commands/fm_dlg.h"
 
 #include "commands/as.h"
-#include "commands/worker.h"
 #include "fileops/new_dlg.h"
 #include "platform/ui_gate.h"
 #include "platform/w.h"
+#include "platform/worker.h"
 #include "views/fl.h"
 #include "views/pattern.h"
 #include "views/prop.h"

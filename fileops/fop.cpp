@@ -5,6 +5,7 @@
 #include "fileops/fop_dirs.h"
 #include "fileops/fop_internal.h"
 #include "fileops/fop_sys.h"
+#include "platform/worker.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -130,19 +131,7 @@ FileOp *fop_create(const FopRequest &request)
 
 int fop_start(FileOp *job)
 {
-    pthread_attr_t attributes;
-    pthread_t thread;
-    int error = pthread_attr_init(&attributes);
-    if (error == 0) {
-        pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
-#ifndef TAV_SANITIZED
-        pthread_attr_setstacksize(&attributes, FOP_STACK_SIZE);
-#endif
-        error = pthread_create(&thread, &attributes, fop_thread, job);
-        pthread_attr_destroy(&attributes);
-    }
-    errno = error;
-    return error ? -1 : 0;
+    return worker_start([job] { fop_thread(job); });
 }
 
 FileOp *fop(const FopRequest &request)

@@ -39,10 +39,9 @@ constexpr uint32_t FOP_LINKS = 0x4000;      // copy links as links
 constexpr uint32_t FOP_NO_OWNER = 0x8000;   // an owner that cannot be set is no longer reported
 constexpr uint32_t FOP_ALL_BUT_DEST = 0xFFFFFFFE; // what the first rename or skip of a move sets
 
-constexpr int FOP_BUF_SIZE = 32768;      // bytes of the copy buffer unless the flags say otherwise
-constexpr unsigned FOP_PAUSE_MS = 50;    // how often a paused job looks again
-constexpr unsigned FOP_DONE_MS = 1000;   // how long "Done" is shown
-constexpr size_t FOP_STACK_SIZE = 65536; // of a worker, in ordinary builds
+constexpr int FOP_BUF_SIZE = 32768;    // bytes of the copy buffer unless the flags say otherwise
+constexpr unsigned FOP_PAUSE_MS = 50;  // how often a paused job looks again
+constexpr unsigned FOP_DONE_MS = 1000; // how long "Done" is shown
 
 // Values of FopUpdate::percent and ::seconds.
 constexpr int FOP_PERCENT_RESET = -100; // the bar back to 0

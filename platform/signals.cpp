@@ -21,7 +21,6 @@ int sPipe[2] = {-1, -1};                           // written by the handler, re
 std::atomic<bool> sArrived[SIGNALS_LIMIT];         // set by the handler, taken by the main loop
 std::function<void(int)> sHandlers[SIGNALS_LIMIT]; // main thread
 bool sWaiting[SIGNALS_LIMIT];                      // main thread: handed to the gate, not run yet
-sigset_t sRouted;                                  // main thread, before the first worker starts
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler may not wait");
 
 void x_on_signal(int signal)
@@ -61,7 +60,6 @@ int x_make_pipe()
         return 0;
     if (pipe2(sPipe, O_CLOEXEC | O_NONBLOCK) != 0)
         return -1;
-    sigemptyset(&sRouted);
     return 0;
 }
 
@@ -98,7 +96,6 @@ int x_route(int signal, const std::function<void(int)> &handler)
     sHandlers[signal] = handler;
     if (sigaction(signal, &action, nullptr) != 0)
         return -1;
-    sigaddset(&sRouted, signal);
     return 0;
 }
 
@@ -127,11 +124,5 @@ int signals_add(std::initializer_list<int> set, const std::function<void(int sig
 }
 
 void signals_ignore(int signal) { std::signal(signal, SIG_IGN); }
-
-void signals_block_in_worker()
-{
-    if (sPipe[0] >= 0)
-        pthread_sigmask(SIG_BLOCK, &sRouted, nullptr);
-}
 
 } // namespace tav

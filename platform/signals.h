@@ -1,6 +1,6 @@
 // Signals in the main loop: a handler here runs as an ordinary function between events, through a
 // self-pipe; while a directory is read it waits (see ui_gate, which must be open). Several arrivals
-// of one signal that still waits count as one. Workers never see a signal.
+// of one signal that still waits count as one. Workers never see a signal (platform/worker).
 //
 // Children: exec gives a routed signal its default back by itself, but an ignored one (SIGPIPE)
 // stays ignored and a blocked one blocked. Whoever starts a program therefore sets SIGPIPE to its
@@ -19,8 +19,5 @@ int signals_add(std::initializer_list<int> set, const std::function<void(int sig
 
 // Ignores a signal from now on (SIGPIPE: a write to a closed pipe then fails instead of ending us).
 void signals_ignore(int signal);
-
-// Blocks, in the calling thread, every signal that is routed; a worker calls it first.
-void signals_block_in_worker();
 
 } // namespace tav

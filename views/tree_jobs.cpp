@@ -2,14 +2,12 @@
 #include "views/tree_jobs.h"
 
 #include "model/fs.h"
+#include "platform/worker.h"
 
 #include <chrono>
-#include <csignal>
 #include <cstring>
 #include <deque>
 #include <fcntl.h>
-#include <functional>
-#include <pthread.h>
 #include <sys/stat.h>
 
 namespace tav {
@@ -19,11 +17,6 @@ TreeCalls gTreeCalls = {fs_path_has_subdirectories, opendir};
 
 namespace {
 
-#ifdef TAV_SANITIZED
-constexpr size_t STACK_SIZE = 1024 * 1024;
-#else
-constexpr size_t STACK_SIZE = 64 * 1024;
-#endif
 constexpr size_t LEVEL_BATCH = 256; // rows that are handed over at once
 constexpr auto HUNG_AFTER =
     std::chrono::milliseconds(200); // no question begun meanwhile: one more worker
@@ -43,33 +36,6 @@ ProbePool &pool()
 {
     static auto *only = new ProbePool;
     return *only;
-}
-
-void *run_thread(void *data)
-{
-    const std::unique_ptr<std::function<void()>> work(static_cast<std::function<void()> *>(data));
-    (*work)();
-    return nullptr;
-}
-
-// Runs work on a detached thread that no signal reaches. False when there is none to be had.
-bool start_thread(std::function<void()> work)
-{
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, STACK_SIZE);
-    pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
-    auto data = std::make_unique<std::function<void()>>(std::move(work));
-    sigset_t all, before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before);
-    pthread_t thread;
-    const bool started = pthread_create(&thread, &attributes, run_thread, data.get()) == 0;
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    pthread_attr_destroy(&attributes);
-    if (started)
-        static_cast<void>(data.release()); // the thread's now
-    return started;
 }
 
 unsigned fs_flags(bool dot_names) { return dot_names ? FS_DOT_NAMES : 0; }
@@ -103,7 +69,7 @@ void probe_work()
 bool start_worker(ProbePool &p)
 {
     ++p.workers;
-    if (start_thread(probe_work))
+    if (worker_start(probe_work) == 0)
         return true;
     --p.workers;
     return false;
@@ -181,7 +147,7 @@ void read_level(TreeLevel &level, const TreeLevelRequest &request)
 std::shared_ptr<TreeLevel> tree_level_start(const TreeLevelRequest &request)
 {
     auto level = std::make_shared<TreeLevel>();
-    if (!start_thread([level, request] { read_level(*level, request); }))
+    if (worker_start([level, request] { read_level(*level, request); }) != 0)
         level->done = true;
     return level;
 }
@@ -207,7 +173,7 @@ void tree_probe_ask(std::vector<TreeProbe> questions)
         if (!start_worker(p))
             break;
     if (!p.watched && !p.questions.empty())
-        p.watched = start_thread(probe_watch);
+        p.watched = worker_start(probe_watch) == 0;
 }
 
 void tree_probe_forget()

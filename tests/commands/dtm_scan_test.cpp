@@ -1,6 +1,6 @@
 // Scanning directories for destination menus.
 #include "commands/dtm_scan.h"
-#include "commands/worker.h"
+#include "platform/worker.h"
 
 #include <chrono>
 #include <filesystem>

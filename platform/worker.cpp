@@ -1,5 +1,5 @@
 // A short-lived detached thread: it owns its function and frees it at its end.
-#include "commands/worker.h"
+#include "platform/worker.h"
 
 #include <atomic>
 #include <cerrno>
