@@ -1,10 +1,14 @@
 // Replacing a file whole: a new one beside it, synced, renamed over it, and the directory synced.
-// What is no regular file cannot be replaced and is written to as it is.
+// What is no regular file cannot be replaced and is written to as it is. A process that is killed
+// before it renames leaves its new file behind; the next one that replaces a file there removes it.
 #include "platform/replace_file.h"
 
 #include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
+#include <ctime>
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -17,6 +21,7 @@ namespace {
 
 constexpr int LINK_LIMIT = 40; // links followed before they count as a circle
 constexpr int NAME_TRIES = 100;
+constexpr time_t LEFT_AFTER = 60; // seconds; a younger file may be that of a process elsewhere
 
 // Closes and removes without touching errno; returns -1.
 int x_give_up(int fd, const char *temporary)
@@ -81,14 +86,44 @@ int x_sync(int fd)
     return -1;
 }
 
+std::string x_temporary_name(long maker, unsigned number)
+{
+    return ".tav-" + std::to_string(maker) + "-" + std::to_string(number) + ".new";
+}
+
+// Whether name is a temporary file's whose process is gone.
+bool x_is_left(int dir, const char *name, time_t now)
+{
+    long maker = 0;
+    unsigned number = 0;
+    struct stat status;
+    return sscanf(name, ".tav-%ld-%u", &maker, &number) == 2 && maker > 0 &&
+           name == x_temporary_name(maker, number) && kill(static_cast<pid_t>(maker), 0) != 0 &&
+           errno == ESRCH && fstatat(dir, name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+           S_ISREG(status.st_mode) && now - status.st_mtime > LEFT_AFTER;
+}
+
+// Removes what killed processes left in the directory. Takes the descriptor.
+void x_sweep(int fd)
+{
+    DIR *dir = fdopendir(fd);
+    if (!dir) {
+        close(fd);
+        return;
+    }
+    const time_t now = time(nullptr);
+    while (const dirent *entry = readdir(dir))
+        if (x_is_left(dirfd(dir), entry->d_name, now))
+            unlinkat(dirfd(dir), entry->d_name, 0);
+    closedir(dir);
+}
+
 // A new file in the directory, its name in path. A descriptor or -1.
 int x_create_beside(const std::string &directory, std::string &path, mode_t mode)
 {
     static std::atomic<unsigned> sNumber{0};
     for (int i = 0; i < NAME_TRIES; i++) {
-        char name[64];
-        snprintf(name, sizeof name, "/.tav-%ld-%u.new", static_cast<long>(getpid()), sNumber++);
-        path = directory + name;
+        path = directory + "/" + x_temporary_name(getpid(), sNumber++);
         int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
         if (fd >= 0 || errno != EEXIST)
             return fd;
@@ -124,7 +159,7 @@ int x_replace(const std::string &path, const struct stat *old, std::string_view 
     int dir = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (dir >= 0) { // an unreadable one cannot be synced; the file is in place all the same
         x_sync(dir);
-        close(dir);
+        x_sweep(dir);
     }
     return 0;
 }

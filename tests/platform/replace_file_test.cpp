@@ -4,6 +4,7 @@
 #include "testdir.h"
 
 #include <csignal>
+#include <ctime>
 #include <gtest/gtest.h>
 
 using namespace tav;
@@ -243,6 +244,42 @@ TEST_F(ReplaceFile, KilledAtAnyWriteTheOldOrTheNewContentIsThere)
     }
     EXPECT_GT(completed, 0);
     EXPECT_LT(completed, 14);
+}
+
+TEST_F(ReplaceFile, WhatAKilledProcessLeftIsRemovedByTheNextSave)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        gReplaceCalls.fsync = [](int) { return kill(getpid(), SIGKILL); };
+        write("f", "never finished");
+        _exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_EQ(m_dir.names().size(), 1u) << "the kill left nothing, so there is nothing to test";
+    const std::string left = m_dir.names()[0];
+    EXPECT_EQ(write("f", "young"), 0);
+    EXPECT_TRUE(m_dir.exists(left)) << "it could be that of a process on another machine";
+    m_dir.mtime(left, time(nullptr) - 120);
+    EXPECT_EQ(write("f", "old"), 0);
+    EXPECT_EQ(m_dir.names(), std::vector<std::string>{"f"});
+}
+
+TEST_F(ReplaceFile, OnlyFilesOfProcessesThatAreGoneAreRemoved)
+{
+    const std::string living = ".tav-" + std::to_string(getpid()) + "-77.new";
+    const std::vector<std::string> kept = {living,         ".tav--5-1.new",  ".tav-5.new",
+                                           ".tav-5-x.new", ".tav-5-1.newer", ".tav-05-1.new"};
+    for (const std::string &name : kept) {
+        m_dir.text(name, "");
+        m_dir.mtime(name, time(nullptr) - 3600);
+    }
+    m_dir.dir(".tav-999999999-1.new");
+    m_dir.mtime(".tav-999999999-1.new", time(nullptr) - 3600);
+    EXPECT_EQ(write("f", "new"), 0);
+    for (const std::string &name : kept)
+        EXPECT_TRUE(m_dir.exists(name)) << name;
+    EXPECT_TRUE(m_dir.exists(".tav-999999999-1.new"));
 }
 
 TEST_F(ReplaceFile, ReadingTakesTheWholeFileUpToTheLimit)
