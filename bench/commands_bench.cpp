@@ -35,54 +35,58 @@ void x_wait_for_kept()
     }
 }
 
-// The same shell command without anything around it.
-void x_spawn_bare()
+// The same shell command without anything around it. Starting returns once the program is executed.
+double x_spawn_bare()
 {
     const char *argv[] = {"sh", "-c", "exec true \"a.c\"", nullptr};
+    double seconds = 0;
     for (int i = 0; i < LAUNCHES; i++) {
-        pid_t pid;
-        if (posix_spawn(&pid, "/bin/sh", nullptr, nullptr, const_cast<char **>(argv), environ) == 0)
-            waitpid(pid, nullptr, 0);
+        pid_t pid = -1;
+        seconds += bench_seconds([&] {
+            posix_spawn(&pid, "/bin/sh", nullptr, nullptr, const_cast<char **>(argv), environ);
+        });
+        waitpid(pid, nullptr, 0);
     }
+    return seconds;
 }
 
 // From the association of a file to its program, as Enter does it.
-void x_open()
+double x_open()
 {
+    double seconds = 0;
     for (int i = 0; i < LAUNCHES; i++) {
-        if (const char *command = _get_pat_cmd("a.c", AS_OPEN))
-            file_cmd(command, "a.c");
+        seconds += bench_seconds([] {
+            if (const char *command = _get_pat_cmd("a.c", AS_OPEN))
+                file_cmd(command, "a.c");
+        });
         x_wait_for_kept();
     }
+    return seconds;
 }
 
-void x_bench_launch(const char *name)
+void x_bench_launch()
 {
-    if (!bench_wants(name))
-        return;
     apat.clear();
     _add_pat("*.[ch]", "true", "", "");
     gDir.path = bench_scratch(BenchPlace::Disk);
     gDir.has_path = true;
-    bench_compare({name, 3.0}, {{}, x_open, {}}, {{}, x_spawn_bare, {}});
+    bench_compare_values({"enter_to_execve_100", 3.0}, x_open, x_spawn_bare);
 }
 
 // The same while the program uses a lot of memory, against itself without.
 void x_bench_growth()
 {
-    const char *name = "launch_with_1GiB_against_none";
-    if (!bench_wants(name))
-        return;
     std::unique_ptr<char[]> memory;
-    bench_compare({name, 1.2},
-                  {[&] {
-                       memory.reset(new char[MEMORY]);
-                       for (size_t i = 0; i < MEMORY; i += 4096)
-                           memory[i] = 1;
-                       bench_keep(memory[MEMORY - 1]);
-                   },
-                   x_open, [&] { memory.reset(); }},
-                  {{}, x_open, {}});
+    const auto with_memory = [&] {
+        memory.reset(new char[MEMORY]);
+        for (size_t i = 0; i < MEMORY; i += 4096)
+            memory[i] = 1;
+        bench_keep(memory[MEMORY - 1]);
+        const double seconds = x_open();
+        memory.reset();
+        return seconds;
+    };
+    bench_compare_values({"enter_to_execve_with_1GiB_against_none", 1.2}, with_memory, x_open);
 }
 
 // Names as a home has them: some with a known ending, most without.
@@ -130,7 +134,7 @@ int main(int argc, char **argv)
 {
     setlocale(LC_CTYPE, "C.UTF-8");
     bench_start(argc, argv);
-    x_bench_launch("launch_100");
+    x_bench_launch();
     x_bench_growth();
     x_bench_classify();
     return 0;
