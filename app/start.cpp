@@ -4,6 +4,7 @@
 #include "app/options.h"
 #include "model/es.h"
 #include "model/fs.h"
+#include "platform/namesake.h"
 
 #include <climits>
 #include <cstdio>
@@ -31,6 +32,13 @@ std::string x_working_directory()
 
 // Where the platform programs lie beside the executable: installed, or in the tree it was built in.
 constexpr const char *sProgramFolders[] = {"/../libexec/tav", "/../../data/programs"};
+
+// Once is enough: a window that another one has started finds them there.
+void x_append(std::string &path, const std::string &folder)
+{
+    if ((":" + path + ":").find(":" + folder + ":") == path.npos)
+        path += ":" + folder;
+}
 
 } // namespace
 
@@ -86,10 +94,14 @@ void start_append_path(const std::string &executable)
     es_remove_subdirectory(folder);
     const char *path = std::getenv("PATH");
     std::string all = path != nullptr && *path != '\0' ? path : "/usr/bin:/bin";
-    for (const char *programs : sProgramFolders)
-        if (fs_path_is_directory((folder + programs).c_str()) > 0)
-            all += ":" + folder + programs;
-    all += ":" + folder;
+    for (const char *programs : sProgramFolders) {
+        if (fs_path_is_directory((folder + programs).c_str()) <= 0)
+            continue;
+        x_append(all, folder + programs);
+        if (gNamesakeFolder.empty())
+            gNamesakeFolder = folder + programs;
+    }
+    x_append(all, folder);
     setenv("PATH", all.c_str(), 1);
 }
 

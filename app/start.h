@@ -24,8 +24,8 @@ std::string start_path(int argc, const char *const *argv);
 int x_get_config_path(std::string &out);
 
 // Appends to PATH the folder of the platform programs that come along and the program's own folder,
-// so that a program of the same name that is there already wins. executable: the program's own
-// file.
+// so that a program of the same name that is there already wins (but see platform/namesake).
+// executable: the program's own file.
 void start_append_path(const std::string &executable);
 
 } // namespace tav

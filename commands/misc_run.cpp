@@ -6,6 +6,7 @@
 
 #include "model/dir.h"
 #include "platform/child.h"
+#include "platform/namesake.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -62,31 +63,42 @@ void x_say_failed(const std::string &program, int error)
         x_say(gMiscHooks.status, "Cannot run '" + program + "': " + std::strerror(error));
 }
 
-// What a shell was told to execute, for messages: the first word behind "exec".
-std::string x_program_name(const std::string &command)
+// What a shell was told to execute: the first word behind "exec"; empty where there is none.
+std::string x_told_to_execute(const std::string &command)
 {
-    std::vector<std::string> arguments = quote_split(command, 3);
-    if (arguments.size() == 3 && arguments[0] == "sh" && arguments[2].starts_with("exec ")) {
-        std::vector<std::string> words = quote_split(arguments[2].substr(5), 1);
-        return words.empty() ? "" : words[0];
-    }
-    return arguments[0];
+    const std::vector<std::string> arguments = quote_split(command, 3);
+    if (arguments.size() < 3 || arguments[0] != "sh" || !arguments[2].starts_with("exec "))
+        return {};
+    const std::vector<std::string> words = quote_split(arguments[2].substr(5), 1);
+    return words.empty() ? "" : words[0];
 }
 
-// The shell tells by these two statuses that it could not execute what it was given.
+bool x_can_execute(const std::string &program)
+{
+    const std::string file = child_find_program(program, nullptr);
+    const bool relative = !file.empty() && file[0] != '/' && gDir.has_path;
+    return child_is_program(relative ? gDir.path + "/" + file : file);
+}
+
+// The shell tells by these two statuses that it could not execute what it was given; a program that
+// is there may end with them, too.
 void x_child_ended(pid_t pid, int status)
 {
     for (Watch &watch : sWatches) {
         if (watch.pid != pid)
             continue;
         watch.ended = true;
-        int code = WIFEXITED(status) ? WEXITSTATUS(status) : 0;
-        if (code == 126 || code == 127)
-            x_say_failed(x_program_name(watch.command), code == 127 ? ENOENT : EACCES);
+        const int code = WIFEXITED(status) ? WEXITSTATUS(status) : 0;
+        if (code != 126 && code != 127)
+            continue;
+        const std::string program = x_told_to_execute(watch.command);
+        if (!program.empty() && !x_can_execute(program))
+            x_say_failed(program, code == 127 ? ENOENT : EACCES);
     }
 }
 
-pid_t x_start(const std::string &program, std::vector<std::string> argv)
+// path: the PATH that it needs; empty: ours.
+pid_t x_start(const std::string &program, std::vector<std::string> argv, const std::string &path)
 {
     ChildStart start;
     start.program = program.c_str();
@@ -96,6 +108,8 @@ pid_t x_start(const std::string &program, std::vector<std::string> argv)
         start.directory = gDir.path.c_str();
         start.set_env.push_back("PWD=" + gDir.path);
     }
+    if (!path.empty())
+        start.set_env.push_back("PATH=" + path);
     return child_start(start);
 }
 
@@ -113,9 +127,9 @@ bool x_needs_care(std::string command)
 
 void x_restart_in_terminal(const Watch &watch)
 {
-    kill(watch.pid, SIGKILL);
+    kill(-watch.pid, SIGKILL); // it leads a group, whose members have all been stopped
     std::string text = misc_terminal_text(watch.command, watch.extra.c_str());
-    pid_t pid = x_start("/bin/sh", {"sh", "-c", text});
+    pid_t pid = x_start("/bin/sh", {"sh", "-c", text}, namesake_path("pterm"));
     if (pid < 0)
         x_say_failed("pterm", errno);
     else
@@ -153,15 +167,17 @@ pid_t misc_run(const std::string &command, int, int, int, const char *extra)
     std::vector<std::string> argv = quote_split(command, MISC_ARGUMENTS);
     if (argv.empty())
         return -1;
-    std::string name = argv[0];
-    std::string program = child_find_program(name, nullptr);
+    const std::string name = argv[0];
+    const std::string told = x_told_to_execute(command);
+    const std::string path = namesake_path(told.empty() ? name : told);
+    const std::string program = child_find_program(name, path.empty() ? nullptr : path.c_str());
     if (program.empty()) {
         x_say_failed(name, errno);
         return -1;
     }
     child_needs_tty_flag = 0;
     x_catch_terminal_signals();
-    pid_t pid = x_start(program, std::move(argv));
+    pid_t pid = x_start(program, std::move(argv), path);
     if (pid < 0) {
         x_say_failed(name, errno);
         return -1;

@@ -4,6 +4,7 @@
 #include "fileops/slot_ask.h"
 #include "fileops/slot_window.h"
 #include "platform/child.h"
+#include "platform/namesake.h"
 #include "platform/w.h"
 
 #include <QAbstractButton>
@@ -48,6 +49,9 @@ void x_refresh()
     ChildStart start;
     start.program = "/bin/sh";
     start.argv = {"sh", "-c", "slay -f -s SIGWINCH tav >/dev/null 2>&1"};
+    const std::string path = namesake_path("slay");
+    if (!path.empty())
+        start.set_env.push_back("PATH=" + path);
     pid_t pid = child_start(start);
     if (pid != -1)
         child_keep(pid, {});

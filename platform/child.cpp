@@ -105,13 +105,6 @@ int x_spawn(pid_t *pid, const ChildStart &start, const int *source)
     return error;
 }
 
-bool x_is_program(const std::string &path)
-{
-    struct stat info;
-    return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode) &&
-           access(path.c_str(), X_OK) == 0;
-}
-
 } // namespace
 
 pid_t child_start(const ChildStart &start)
@@ -182,10 +175,17 @@ bool child_wants_terminal(pid_t pid)
     return stopped && (info.si_status == SIGTTIN || info.si_status == SIGTTOU);
 }
 
+bool child_is_program(const std::string &path)
+{
+    struct stat info;
+    return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode) &&
+           access(path.c_str(), X_OK) == 0;
+}
+
 std::string child_find_program(const std::string &name, const char *path)
 {
     errno = ENOENT;
-    if (name.empty() || name[0] == '/')
+    if (name.empty() || name.find('/') != name.npos)
         return name;
     const char *listed = path ? path : std::getenv("PATH");
     std::string_view rest = listed ? listed : "";
@@ -195,7 +195,7 @@ std::string child_find_program(const std::string &name, const char *path)
         std::string_view part = rest.substr(0, end);
         rest.remove_prefix(end == rest.npos ? rest.size() : end + 1);
         std::string file = std::string(part) + "/" + name;
-        if (part.starts_with('/') && x_is_program(file))
+        if (part.starts_with('/') && child_is_program(file))
             return file;
         if (part.starts_with('/') && access(file.c_str(), F_OK) == 0)
             error = EACCES;

@@ -41,8 +41,11 @@ int child_reap();
 // SIGTTOU).
 bool child_wants_terminal(pid_t pid);
 
-// The file that a command name means: name itself when it begins with "/", else the first
-// executable file of that name along path ("PATH" when null). Relative parts of the path do not
+// Whether that is a file which may be executed.
+bool child_is_program(const std::string &path);
+
+// The file that a command name means: name itself when it holds a "/", else the first executable
+// file of that name along path ("PATH" when null). Relative parts of the path do not
 // count: the directory shown must not decide what runs. Empty when there is none, with errno.
 std::string child_find_program(const std::string &name, const char *path);
 

@@ -3,6 +3,10 @@
 
 me=${0##*/}
 
+# Where the system has something else of our name, our folder comes first on the way here. What is started
+# from here finds everything as usual.
+PATH=${PATH#"${0%/*}":}
+
 # Whether there is a desktop to show windows on.
 has_display() {
     [ -n "${WAYLAND_DISPLAY:-}${DISPLAY:-}" ]

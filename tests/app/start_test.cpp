@@ -2,6 +2,8 @@
 #include "app/options.h"
 #include "app/start.h"
 
+#include "platform/namesake.h"
+
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <testdir.h>
@@ -149,6 +151,20 @@ TEST_F(StartTest, TheProgramsThatComeAlongAreLookedForLast)
     EXPECT_STREQ(
         getenv("PATH"),
         ("/usr/bin:" + m_dir.path() + "/bin/../libexec/tav:" + m_dir.path() + "/bin").c_str());
+    EXPECT_EQ(gNamesakeFolder, m_dir.path() + "/bin/../libexec/tav");
+    gNamesakeFolder.clear();
+}
+
+TEST_F(StartTest, AWindowStartedFromAnotherAppendsNothingMore)
+{
+    m_dir.dir("bin");
+    m_dir.dir("libexec/tav");
+    setenv("PATH", "/usr/bin", 1);
+    start_append_path(m_dir.path() + "/bin/tav");
+    const std::string path = getenv("PATH");
+    start_append_path(m_dir.path() + "/bin/tav");
+    EXPECT_EQ(path, getenv("PATH"));
+    gNamesakeFolder.clear();
 }
 
 TEST(OptionsTest, ValuesStandInTheSameWordOrInTheNext)

@@ -5,6 +5,7 @@
 #include "commands/misc.h"
 #include "model/dir.h"
 #include "platform/child.h"
+#include "platform/namesake.h"
 #include "support/write_args.h"
 
 #include <chrono>
@@ -52,6 +53,8 @@ protected:
     ~LaunchFixture() override
     {
         finish();
+        gNamesakeFolder.clear();
+        gNamesakeSystem.clear();
         setenv("PATH", "/usr/local/bin:/usr/bin:/bin", 1);
         unsetenv("ARGS_OUT");
         gDir = {};
@@ -79,6 +82,22 @@ protected:
         ASSERT_EQ(chdir(path.c_str()), 0);
         gDir.path = path;
         gDir.has_path = true;
+    }
+
+    // The system has other programs of these names, which write "other" and their arguments down;
+    // ours, which write their name, come along.
+    void have_namesakes(const Texts &names)
+    {
+        gNamesakeFolder = root + "/ours";
+        gNamesakeSystem = {root + "/system"};
+        std::filesystem::create_directory(gNamesakeFolder);
+        std::filesystem::create_directory(gNamesakeSystem[0]);
+        for (const std::string &name : names) {
+            script("../system/" + name, "exec show other \"$@\"");
+            script("../ours/" + name, "PATH=${PATH#\"${0%/*}\":}; exec show " + name +
+                                          " \"$@\" \"PATH begins with ${PATH%%:*}\"");
+        }
+        setenv("PATH", (bin + ":" + root + "/system:/usr/bin:/bin:" + root + "/ours").c_str(), 1);
     }
 
     // Lists the names, all selected or none, the cursor on the first. A name ending in "/" is a

@@ -5,6 +5,7 @@
 #include <sys/resource.h>
 
 using namespace tav;
+using namespace std::string_literals;
 
 namespace {
 
@@ -37,6 +38,43 @@ TEST_F(MiscRun, TheDirectoryShownIsNeverSearched)
     setenv("PATH", (":.:" + bin).c_str(), 1);
     EXPECT_EQ(misc_run("evil"), -1);
     EXPECT_EQ(sStatus, "Cannot run 'evil': not found");
+}
+
+TEST_F(MiscRun, AFirstWordWithASlashIsTakenFromTheDirectoryShown)
+{
+    show_directory(root + "/elsewhere");
+    std::filesystem::create_directory("sub");
+    script("../elsewhere/own", "exec show own \"$@\"");
+    script("../elsewhere/sub/own", "exec show below \"$@\"");
+    EXPECT_GT(misc_run("./own a"), 0);
+    EXPECT_EQ(received(), (Texts{"own", "a"}));
+    EXPECT_GT(misc_run("sub/own a"), 0);
+    EXPECT_EQ(received(), (Texts{"below", "a"}));
+    EXPECT_EQ(misc_run("./missing"), -1);
+    EXPECT_EQ(sStatus, "Cannot run './missing': not found");
+}
+
+TEST_F(MiscRun, WhereTheSystemMeansSomethingElseByANameOursIsStarted)
+{
+    have_namesakes({"pv", "pterm", "ls"});
+    const std::string usual = "PATH begins with " + bin;
+    EXPECT_EQ(file_cmd("pv", "a b.jpg"), 0);
+    EXPECT_EQ(received(), (Texts{"pv", "a b.jpg", usual}));
+    EXPECT_GT(misc_run("pterm -z x"), 0);
+    EXPECT_EQ(received(), (Texts{"pterm", "-z", "x", usual}));
+    EXPECT_GT(misc_run("ls"), 0);
+    EXPECT_EQ(received(), Texts{"other"}) << "a name that means the same everywhere";
+    script("pv", "exec show mine \"$@\"");
+    EXPECT_EQ(file_cmd("pv", "a.jpg"), 0);
+    EXPECT_EQ(received(), (Texts{"mine", "a.jpg"})) << "the user's own";
+}
+
+TEST_F(MiscRun, WhatWantsATerminalIsStartedAgainInOurTerminal)
+{
+    have_namesakes({"pterm"});
+    script("reader", "kill -TTIN $$");
+    EXPECT_GT(misc_run("reader a"), 0);
+    EXPECT_EQ(received_in_terminal(), (Texts{"pterm", "reader", "a", "PATH begins with " + bin}));
 }
 
 TEST_F(MiscRun, TheNumbersDoNothing)
@@ -116,6 +154,18 @@ TEST_F(MiscRun, ACommandTheShellCannotExecuteIsSaid)
     EXPECT_EQ(file_cmd("/ @", "a.c"), 0);
     look_at_change();
     EXPECT_EQ(sStatus, "Cannot run '/': Permission denied");
+}
+
+TEST_F(MiscRun, AProgramMayEndWithTheShellsStatusesItself)
+{
+    for (const char *status : {"126", "127"}) {
+        script("ends", "exit "s + status);
+        EXPECT_EQ(file_cmd("ends @", "a.c"), 0);
+        look_at_change();
+        EXPECT_GT(misc_run("ends"), 0);
+        look_at_change();
+        EXPECT_EQ(sStatus, "");
+    }
 }
 
 TEST_F(MiscRun, ACommandLongerThanTheSystemTakesIsReported)

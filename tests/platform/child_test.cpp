@@ -198,6 +198,8 @@ TEST(Child, AProgramIsFoundAlongThePath)
     const std::string path = dir.at("one") + ":" + dir.at("two") + "::" + dir.at("three");
     EXPECT_EQ(child_find_program("prog", path.c_str()), dir.at("three/prog"));
     EXPECT_EQ(child_find_program("/any/thing", path.c_str()), "/any/thing");
+    EXPECT_EQ(child_find_program("./prog", path.c_str()), "./prog");
+    EXPECT_EQ(child_find_program("sub/prog", path.c_str()), "sub/prog");
     EXPECT_EQ(child_find_program("missing", path.c_str()), "");
     EXPECT_EQ(errno, ENOENT);
     EXPECT_EQ(child_find_program("prog", dir.at("two").c_str()), "");
