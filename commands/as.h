@@ -32,11 +32,16 @@ constexpr size_t AS_LINE_SIZE = 1024; // what the reader takes at once, a termin
 // main program; without it the message goes to standard error.
 extern void (*gAsFatal)(const char *message);
 
+// Shows the message and ends the program with status 1.
+[[noreturn]] void as_fatal(const char *message);
+constexpr const char *AS_NO_MEMORY = "Unable to allocate memory";
+
 // Loads the table from directory/file_name; the built-in rows when that cannot be opened (a null
 // directory too). Lines that are no associations are fatal.
 void init_read_associations(const char *directory, const char *file_name);
 
-// The same without the end of the program: 0, or -1 with the message.
+// The same without the end of the program: 0, or -1 with the message, which is empty when memory is
+// out.
 int as_read(const char *path, std::string &message);
 
 // Replaces the file that the table was read from. 0, or -1 with errno.

@@ -10,6 +10,7 @@
 #include <QDialog>
 #include <QHeaderView>
 #include <QPointer>
+#include <new>
 
 namespace tav {
 
@@ -91,9 +92,13 @@ void as_dlg_open(QWidget *parent)
 
 int as_setup(QWidget *dialog)
 {
-    atmp.clear();
-    for (const Association &row : apat)
-        atmp.push_back(as_join(row));
+    try {
+        atmp.clear();
+        for (const Association &row : apat)
+            atmp.push_back(as_join(row));
+    } catch (const std::bad_alloc &) {
+        as_fatal(AS_NO_MEMORY);
+    }
     as_dlg_show_rows(dialog);
     return W_CONTINUE;
 }

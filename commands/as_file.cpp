@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <new>
 
 namespace tav {
 
@@ -66,7 +67,9 @@ const char *as_refuse(std::string_view pattern, std::string_view line)
     return nullptr;
 }
 
-int as_read(const char *path, std::string &message)
+namespace {
+
+int x_read(const char *path, std::string &message)
 {
     FileHandle file(path ? std::fopen(path, "re") : nullptr, std::fclose);
     if (!file || !x_is_readable(file.get())) {
@@ -88,19 +91,35 @@ int as_read(const char *path, std::string &message)
     return 0;
 }
 
+} // namespace
+
+int as_read(const char *path, std::string &message)
+{
+    try {
+        return x_read(path, message);
+    } catch (const std::bad_alloc &) {
+        message.clear();
+        return -1;
+    }
+}
+
+void as_fatal(const char *message)
+{
+    if (gAsFatal != nullptr)
+        gAsFatal(message);
+    else
+        std::fprintf(stderr, "%s\n", message);
+    std::exit(1);
+}
+
 void init_read_associations(const char *directory, const char *file_name)
 {
     sPath.clear();
     if (directory != nullptr)
         es_construct_fullpath(sPath, directory, file_name);
     std::string message;
-    if (as_read(sPath.empty() ? nullptr : sPath.c_str(), message) == 0)
-        return;
-    if (gAsFatal != nullptr)
-        gAsFatal(message.c_str());
-    else
-        std::fprintf(stderr, "%s\n", message.c_str());
-    std::exit(1);
+    if (as_read(sPath.empty() ? nullptr : sPath.c_str(), message) != 0)
+        as_fatal(message.empty() ? AS_NO_MEMORY : message.c_str());
 }
 
 int as_write()

@@ -4,6 +4,7 @@
 #include "commands/pipe.h"
 #include "commands/quote.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
@@ -47,12 +48,19 @@ std::string x_read_line(FILE *stream)
     return line;
 }
 
-// What follows the name and its colon; a name may hold colons itself.
+// What follows the name and its colon. The name may hold colons itself, and comes back with other
+// bytes escaped, so that only the colons in it can be counted.
 std::string x_description(const std::string &line, const std::string &name)
 {
-    size_t colon = line.starts_with(name + ":") ? name.size() : line.find(':');
+    size_t colon = line.find(':');
     if (colon == line.npos)
         return line;
+    for (auto left = std::count(name.begin(), name.end(), ':'); left > 0; left--) {
+        const size_t next = line.find(':', colon + 1);
+        if (next == line.npos)
+            break; // another line than expected
+        colon = next;
+    }
     return colon + 2 < line.size() ? line.substr(colon + 2) : std::string();
 }
 

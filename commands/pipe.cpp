@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -24,11 +25,12 @@ struct PipeRecord {
 std::mutex popen_mutex;                 // guards popen_list
 std::unique_ptr<PipeRecord> popen_list; // the last opened first
 
+// Null when memory is out.
 PipeRecord *x_link()
 {
-    auto record = std::make_unique<PipeRecord>();
-    record->stream = nullptr;
-    record->pid = -1;
+    std::unique_ptr<PipeRecord> record(new (std::nothrow) PipeRecord{nullptr, nullptr, -1});
+    if (!record)
+        return nullptr;
     std::lock_guard lock(popen_mutex);
     record->next = std::move(popen_list);
     popen_list = std::move(record);
@@ -48,6 +50,11 @@ std::unique_ptr<PipeRecord> x_unlink(Fits fits)
         return record;
     }
     return nullptr;
+}
+
+void x_forget(const PipeRecord *record)
+{
+    x_unlink([record](const PipeRecord &other) { return &other == record; });
 }
 
 std::unique_ptr<PipeRecord> x_unlink_stream(const FILE *stream)
@@ -87,10 +94,18 @@ FILE *popen(const char *command, const char *mode)
         return nullptr;
     }
     bool reads = mode[0] == 'r';
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) != 0)
-        return nullptr;
     PipeRecord *record = x_link();
+    if (record == nullptr) {
+        errno = ENOMEM;
+        return nullptr;
+    }
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0) {
+        const int error = errno;
+        x_forget(record);
+        errno = error;
+        return nullptr;
+    }
     int ours = ends[reads ? 0 : 1];
     int theirs = ends[reads ? 1 : 0];
     FILE *stream = fdopen(ours, mode);
@@ -98,7 +113,7 @@ FILE *popen(const char *command, const char *mode)
     int error = errno;
     close(theirs);
     if (pid < 0) {
-        x_unlink([record](const PipeRecord &other) { return &other == record; });
+        x_forget(record);
         if (stream != nullptr)
             fclose(stream);
         else

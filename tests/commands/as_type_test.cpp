@@ -36,6 +36,17 @@ TEST_F(AsType, AColonInTheNameIsNotTheEndOfIt)
     EXPECT_EQ(with("echo \"$2: data\"", "a:b: c"), "data\n");
 }
 
+TEST_F(AsType, ANameThatComesBackEscapedIsStillSkipped)
+{
+    std::filesystem::remove(bin + "/file");
+    for (const char *name : {"a:b: c\x01", "a\nb: c", ":", "plain.txt"}) {
+        std::ofstream(gDir.path + "/" + name) << "text\n";
+        std::string description;
+        EXPECT_EQ(as_get_filetype(name, S_IFREG, description), 1);
+        EXPECT_EQ(description.find_first_not_of(' '), description.find("ASCII text\n")) << name;
+    }
+}
+
 TEST_F(AsType, TheClassifierIsAskedToFollowLinks)
 {
     EXPECT_EQ(with("echo \"x: $# $1\"", "a.c"), "2 -L\n");
