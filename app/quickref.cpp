@@ -1,5 +1,5 @@
-// The quick reference. Nothing is written down here twice: menu rows, accelerators and the
-// interpreter's characters come from the tables that the program itself obeys.
+// The quick reference. Nothing is written down here twice: menu rows, accelerators, the list's keys
+// and the interpreter's characters come from the tables that the program itself obeys.
 #include "app/quickref.h"
 
 #include "app/interp.h"
@@ -7,6 +7,7 @@
 #include "platform/w.h"
 #include "platform/wdialog.h"
 #include "ui_quickref.h"
+#include "views/fl_input.h"
 
 #include <QHeaderView>
 #include <QPointer>
@@ -50,10 +51,23 @@ void x_add_menu(QTreeWidget *list, const MenuTable &table)
     }
 }
 
+void x_add_list(QTreeWidget *list)
+{
+    const QString where = QStringLiteral("List");
+    for (const FlMove *move = gFlMoves; move->name; move++) {
+        for (const FlMoveMode *mode = gFlMoveModes; mode->name; mode++)
+            x_add(list, where, QString::asprintf("%s %s", mode->text, move->where),
+                  QString::asprintf("%s%s", mode->name, move->name));
+    }
+    for (const FlKey *key = gFlKeys; key->name; key++)
+        x_add(list, where, QString::fromUtf8(key->text), QString::fromUtf8(key->name));
+}
+
 void x_fill(QTreeWidget *list)
 {
     for (const MenuTable *table = gMenuBar; table->name; table++)
         x_add_menu(list, *table);
+    x_add_list(list);
     for (const InterpMode *mode = gInterpModes; mode->text; mode++)
         x_add(list, QStringLiteral("Typing"), QString::fromUtf8(mode->text),
               QString::fromUtf8(mode->keys));
@@ -86,7 +100,7 @@ void x_find(const Ui::quickref &form, const QString &text)
 void x_shape(QTreeWidget *list)
 {
     list->setHeaderLabels(
-        {QStringLiteral("Menu"), QStringLiteral("Command"), QStringLiteral("Key")});
+        {QStringLiteral("Where"), QStringLiteral("Command"), QStringLiteral("Key")});
     list->header()->setStretchLastSection(false);
     for (int column = 0; column < COLUMNS; column++)
         list->header()->setSectionResizeMode(

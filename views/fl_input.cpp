@@ -51,22 +51,20 @@ bool x_interpret(const QKeyEvent &event)
     return true;
 }
 
-// Moves the cursor to a row; without Ctrl the selection goes along, with Shift it is extended.
-void x_move(int row, Qt::KeyboardModifiers modifiers)
+void x_move(int row, const FlMoveMode &mode)
 {
     const int index = fl_row_index(std::clamp(row, 0, fl_row_count() - 1));
     if (index == DIR_NONE)
         return;
-    const bool ctrl = modifiers & Qt::ControlModifier;
     fl_timer_disable();
-    if (modifiers & Qt::ShiftModifier) {
+    if (mode.extends) {
         const int anchor = fl_select_anchor();
         const int from = anchor != DIR_NONE ? anchor : gDir.current;
         fl_select_set_anchor(from != DIR_NONE ? from : index);
-        fl_select_range_begin(fl_select_anchor(), ctrl, true);
+        fl_select_range_begin(fl_select_anchor(), mode.keeps, true);
         fl_select_range_to(index);
         fl_select_range_end();
-    } else if (!ctrl) {
+    } else if (!mode.keeps) {
         fl_select_only(index);
         fl_select_set_anchor(index);
     } else {
@@ -75,14 +73,27 @@ void x_move(int row, Qt::KeyboardModifiers modifiers)
     fl_goto_index(index);
 }
 
-void x_toggle(bool move)
+// The mode of a move with these modifiers; the last one asks for all of them.
+const FlMoveMode &x_move_mode(Qt::KeyboardModifiers modifiers)
+{
+    const FlMoveMode *mode = gFlMoveModes;
+    while ((modifiers & (Qt::ControlModifier | Qt::ShiftModifier)) != mode->modifiers)
+        mode++;
+    return *mode;
+}
+
+void x_toggle(FlView &)
 {
     const int index = gDir.current;
     fl_timer_disable();
     fl_invert_index(index);
     fl_select_set_anchor(index);
-    if (move)
-        x_move(fl_row_of_index(index) + 1, Qt::ControlModifier);
+}
+
+void x_toggle_and_go_on(FlView &view)
+{
+    x_toggle(view);
+    x_move(fl_row_of_index(gDir.current) + 1, x_move_mode(Qt::ControlModifier));
 }
 
 void x_scroll_sideways(FlView &view, int steps)
@@ -91,56 +102,67 @@ void x_scroll_sideways(FlView &view, int steps)
     bar->setValue(bar->value() + steps * bar->singleStep());
 }
 
-// The row that a cursor key leads to; it may lie outside.
-int x_target(const FlView &view, int key)
-{
-    const int row = fl_row_of_index(gDir.current);
-    const int page = std::max(1, view.rows_per_page() - 1);
-    switch (key) {
-    case Qt::Key_Up:
-        return row - 1;
-    case Qt::Key_Down:
-        return row + 1;
-    case Qt::Key_PageUp:
-        return row - page;
-    case Qt::Key_PageDown:
-        return row + page;
-    case Qt::Key_Home:
-        return 0;
-    default:
-        return fl_row_count() - 1; // End
-    }
-}
+int x_page(const FlView &view) { return std::max(1, view.rows_per_page() - 1); }
 
-bool x_is_move(int key)
+const FlMove *x_find_move(int key)
 {
-    return key == Qt::Key_Up || key == Qt::Key_Down || key == Qt::Key_PageUp ||
-           key == Qt::Key_PageDown || key == Qt::Key_Home || key == Qt::Key_End;
+    for (const FlMove *move = gFlMoves; move->name; move++) {
+        if (move->key == key)
+            return move;
+    }
+    return nullptr;
 }
 
 bool x_navigate(FlView &view, const QKeyEvent &event)
 {
-    const Qt::KeyboardModifiers modifiers = event.modifiers();
-    if (x_is_move(event.key())) {
-        x_move(x_target(view, event.key()), modifiers);
+    if (const FlMove *move = x_find_move(event.key())) {
+        x_move(move->target(view, fl_row_of_index(gDir.current)), x_move_mode(event.modifiers()));
         return true;
     }
-    switch (event.key()) {
-    case Qt::Key_Space:
-        x_toggle(!(modifiers & Qt::ControlModifier));
+    const Qt::KeyboardModifiers ctrl = event.modifiers() & Qt::ControlModifier;
+    for (const FlKey *row = gFlKeys; row->name; row++) {
+        if (row->key != event.key() || row->modifiers != ctrl || !row->act)
+            continue;
+        row->act(view);
         return true;
-    case Qt::Key_Left:
-        x_scroll_sideways(view, -1);
-        return true;
-    case Qt::Key_Right:
-        x_scroll_sideways(view, 1);
-        return true;
-    default:
-        return false;
     }
+    return false;
 }
 
 } // namespace
+
+const FlMove gFlMoves[] = {
+    {Qt::Key_Up, "Up", "one row up", [](const FlView &, int row) { return row - 1; }},
+    {Qt::Key_Down, "Down", "one row down", [](const FlView &, int row) { return row + 1; }},
+    {Qt::Key_PageUp, "PgUp", "one page up",
+     [](const FlView &view, int row) { return row - x_page(view); }},
+    {Qt::Key_PageDown, "PgDn", "one page down",
+     [](const FlView &view, int row) { return row + x_page(view); }},
+    {Qt::Key_Home, "Home", "to the first row", [](const FlView &, int) { return 0; }},
+    {Qt::Key_End, "End", "to the last row", [](const FlView &, int) { return fl_row_count() - 1; }},
+    {0, nullptr, nullptr, nullptr},
+};
+
+const FlMoveMode gFlMoveModes[] = {
+    {Qt::NoModifier, "", "Go and select", false, false},
+    {Qt::ShiftModifier, "Shift-", "Select all on the way", true, false},
+    {Qt::ControlModifier, "Ctrl-", "Go, leaving the selection,", false, true},
+    {Qt::ControlModifier | Qt::ShiftModifier, "Ctrl-Shift-", "Add all on the way", true, true},
+    {Qt::NoModifier, nullptr, nullptr, false, false},
+};
+
+const FlKey gFlKeys[] = {
+    {Qt::Key_Space, Qt::NoModifier, "Space", "Select or unselect, then go one row down",
+     x_toggle_and_go_on},
+    {Qt::Key_Space, Qt::ControlModifier, "Ctrl-Space", "Select or unselect", x_toggle},
+    {Qt::Key_Left, Qt::NoModifier, "Left", "Scroll left",
+     [](FlView &view) { x_scroll_sideways(view, -1); }},
+    {Qt::Key_Right, Qt::NoModifier, "Right", "Scroll right",
+     [](FlView &view) { x_scroll_sideways(view, 1); }},
+    {Qt::Key_Menu, Qt::NoModifier, "Menu", "Open the context menu", nullptr},
+    {Qt::Key_Tab, Qt::NoModifier, "Tab", "Leave the list", nullptr},
+    {0, Qt::NoModifier, nullptr, nullptr, nullptr},
+};
 
 bool fl_input_key(FlView &view, const QKeyEvent &event)
 {
@@ -175,7 +197,7 @@ bool fl_input_overrides(const QKeyEvent &event)
 {
     if (event.modifiers() & sCommands)
         return false;
-    if (x_is_enter(event) || x_is_move(event.key()))
+    if (x_is_enter(event) || x_find_move(event.key()))
         return true;
     if (event.key() == Qt::Key_Backspace || event.key() == Qt::Key_Escape)
         return x_is_typing();

@@ -11,7 +11,6 @@
 #include "views/prop_gather.h"
 
 #include <QPointer>
-#include <cstring>
 #include <ctime>
 #include <fcntl.h>
 #include <unistd.h>
@@ -24,7 +23,7 @@ namespace {
 
 constexpr size_t TEXT_LIMIT = 1024; // bytes of an owner or group text that count
 constexpr size_t DATE_SIZE = 32;    // bytes of a date, its terminator included
-constexpr int REPORTS_MOST = 5;     // messages shown one by one; the others are counted
+constexpr size_t DATE_ROOM = 128;   // bytes that the date of any year takes
 
 using Form = Ui::property_dlg;
 
@@ -73,7 +72,7 @@ mode_t _get_mode()
 void x_setup_permission_fields()
 {
     char name[DIR_NAME_SIZE] = "";
-    const bool may_edit = geteuid() == 0;
+    const bool may_edit = gPropSystem.may_give_away();
     if (sProp.summary.uid >= 0) {
         dir_get_username(static_cast<uid_t>(sProp.summary.uid), name);
         sProp.form.pr_owner->setText(shown_text(name));
@@ -109,13 +108,15 @@ void x_ask_filetype(const DirEntry &entry)
                         });
 }
 
+// Empty for a time that no calendar has.
 QString x_date(time_t when)
 {
-    char text[DATE_SIZE] = "";
+    char text[DATE_ROOM] = "";
     struct tm local = {};
-    localtime_r(&when, &local);
-    strftime(text, sizeof text, "%A %B %d, %Y", &local);
-    return QString::fromUtf8(text);
+    if (!localtime_r(&when, &local) || !strftime(text, sizeof text, "%A %B %d, %Y", &local))
+        return {};
+    text[DATE_SIZE - 1] = '\0';
+    return QString::fromLatin1(text);
 }
 
 void x_prop_setup_one(const DirEntry &entry)
@@ -178,54 +179,43 @@ PropChange x_change()
     return change;
 }
 
-// Shows the first messages one by one, the same one not twice; counts the rest.
-class Reporter {
-public:
-    void add(const std::string &message)
-    {
-        if (message == last_)
-            return;
-        last_ = message;
-        if (++count_ <= REPORTS_MOST)
-            wreport(sProp.dialog, "Error", "%s", message.c_str());
-    }
-    void end() const
-    {
-        if (count_ > REPORTS_MOST)
-            wreport(sProp.dialog, "Error", "%d more items could not be changed",
-                    count_ - REPORTS_MOST);
-    }
+// Shows the first messages one by one and counts the rest.
+void x_report(const PropReport &report)
+{
+    for (const std::string &message : report.messages)
+        wreport(sProp.dialog, "Error", "%s", message.c_str());
+    const int more = report.failed - static_cast<int>(report.messages.size());
+    if (more > 0)
+        wreport(sProp.dialog, "Error", "%d more items could not be changed", more);
+}
 
-private:
-    std::string last_;
-    int count_ = 0;
-};
+// Applies the change to the one entry; its name, which may be a new one.
+std::string x_prop_done_one(int directory, PropChange &change)
+{
+    std::string name = sProp.summary.first, message;
+    if (prop_apply(directory, name, change, message) != 0)
+        wreport(sProp.dialog, "Error", "%s", message.c_str());
+    return name;
+}
 
-// Applies the change to every entry; the name on which the cursor goes then.
-std::string x_prop_done_all()
+// Applies the change; the name on which the cursor goes then.
+std::string x_prop_apply()
 {
     PropChange change = x_change();
-    const std::string names = sProp.summary.names;
-    std::string first = sProp.summary.first;
+    std::string cursor = sProp.summary.first;
     const int directory = open(sProp.directory.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-    Reporter reporter;
-    std::string name, message;
-    for (size_t at = 0; at < names.size(); at += strlen(names.c_str() + at) + 1) {
-        name = names.c_str() + at;
-        if (prop_apply(directory, name, change, message) != 0)
-            reporter.add(message);
-        if (at == 0)
-            first = name;
-    }
+    if (sProp.summary.one >= 0)
+        cursor = x_prop_done_one(directory, change);
+    else
+        x_report(prop_apply_all(directory, sProp.summary.names, change));
     if (directory >= 0)
         close(directory);
-    reporter.end();
-    return first;
+    return cursor;
 }
 
 void prop_done()
 {
-    const std::string cursor = x_prop_done_all();
+    const std::string cursor = x_prop_apply();
     if (!sProp.dialog)
         return; // the program ended while a message stood
     wdialog_done(sProp.dialog);

@@ -4,8 +4,11 @@
 #include "app/menu.h"
 #include "app/quickref.h"
 #include "support/dialogs.h"
+#include "views/fl_input.h"
 
+#include <QKeyEvent>
 #include <QLineEdit>
+#include <QSet>
 
 using namespace tav;
 using namespace tav::test;
@@ -80,12 +83,52 @@ private Q_SLOTS:
         }
         for (const InterpMode *mode = gInterpModes; mode->text; mode++)
             commands++;
+        for (const QString &row : rows)
+            commands += row.startsWith(QLatin1String("List|"));
         QCOMPARE(rows.size(), commands);
         QVERIFY(rows.contains(QStringLiteral("File|New > Folder|F4")));
         QVERIFY(rows.contains(QStringLiteral("File|Open In Window|Ctrl-Ret")));
         QVERIFY(!wblock_is_blocked(gBase));
         dialog_click("quickref", "quickref_done");
         QVERIFY(!dialog_up("quickref"));
+    }
+
+    void every_key_of_the_list_stands_in_the_quick_reference()
+    {
+        help_quickref(nullptr);
+        const QStringList rows = x_rows();
+        QStringList keys;
+        for (const QString &row : rows) {
+            if (row.startsWith(QLatin1String("List|")))
+                keys.append(row.section(QLatin1Char('|'), 2));
+        }
+        QCOMPARE(keys.size(), QSet<QString>(keys.begin(), keys.end()).size());
+        for (const char *modifiers : {"", "Shift-", "Ctrl-", "Ctrl-Shift-"})
+            for (const char *key : {"Up", "Down", "PgUp", "PgDn", "Home", "End"})
+                QVERIFY2(keys.contains(QString::asprintf("%s%s", modifiers, key)), key);
+        for (const char *key : {"Space", "Ctrl-Space", "Left", "Right", "Menu", "Tab"})
+            QVERIFY2(keys.contains(QLatin1String(key)), key);
+        QVERIFY(
+            rows.contains(QStringLiteral("List|Select all on the way one row down|Shift-Down")));
+        QVERIFY(rows.contains(QStringLiteral("File|Open|Ret")));
+        QVERIFY(rows.contains(QStringLiteral("Go|Up One Level|Bksp")));
+        QTest::keyClicks(dialog_find<QLineEdit>("quickref", "quickref_find"),
+                         QStringLiteral("shift-down list"));
+        QCOMPARE(x_rows().size(), 2); // with Ctrl and without
+    }
+
+    void the_list_takes_the_keys_that_stand_there_and_no_others()
+    {
+        const auto takes = [this](int key, Qt::KeyboardModifiers modifiers) {
+            return fl_input_key(*main_->list, QKeyEvent(QEvent::KeyPress, key, modifiers));
+        };
+        for (const FlMove *move = gFlMoves; move->name; move++)
+            for (const FlMoveMode *mode = gFlMoveModes; mode->name; mode++)
+                QVERIFY2(takes(move->key, mode->modifiers), move->name);
+        for (const FlKey *key = gFlKeys; key->name; key++)
+            QCOMPARE(takes(key->key, key->modifiers), key->act != nullptr);
+        for (int key : {Qt::Key_Insert, Qt::Key_Delete, Qt::Key_F7, Qt::Key_Clear, Qt::Key_Print})
+            QVERIFY(!takes(key, Qt::NoModifier));
     }
 
     void typing_finds_commands_and_keys()
