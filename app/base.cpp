@@ -69,7 +69,11 @@ void x_fill_hooks()
     gFlHooks.run_open = fm_run_open;
     gFlHooks.has_open = fm_has_open;
     gFlHooks.run_program = fm_run_program;
-    gFlHooks.status_update = status_bar_update;
+    gFlHooks.status_update = [] {
+        status_bar_update();
+        tb_update();
+    };
+    gFlHooks.history_changed = tb_update;
     gFlHooks.context_menu = x_show_list_menu;
     gFlHooks.cut_fetch = file_get_cut_files;
     gFlHooks.cut_any = [] { return file_any_cut(gDir.path); };

@@ -42,7 +42,8 @@ struct FlHooks {
     // It was dropped. index: the directory or ".." (DIR_PARENT) dropped on, DIR_NONE for the list
     // itself.
     void (*drop)(QDropEvent &event, int index);
-    void (*status_update)(); // the selection changed (gathered, once per turn)
+    void (*status_update)();   // the selection changed (gathered, once per turn)
+    void (*history_changed)(); // Back or Forward lead elsewhere now
 };
 extern FlHooks gFlHooks;
 

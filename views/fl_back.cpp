@@ -11,6 +11,15 @@ namespace {
 
 const char *shown_path() { return gDir.has_path ? gDir.path.c_str() : nullptr; }
 
+// Shows the path that came off a stack, if one did.
+void show(const std::optional<std::string> &path)
+{
+    if (path)
+        fl_setpath(path->c_str());
+    if (gFlHooks.history_changed)
+        gFlHooks.history_changed();
+}
+
 } // namespace
 
 void fl_back()
@@ -18,9 +27,7 @@ void fl_back()
     if (backward_history.count == 0 || fl_is_reading())
         return;
     x_history_push(forward_history, shown_path());
-    auto path = x_history_pop(backward_history);
-    if (path)
-        fl_setpath(path->c_str());
+    show(x_history_pop(backward_history));
 }
 
 void fl_forward()
@@ -29,9 +36,7 @@ void fl_forward()
         return;
     // Even with nothing ahead the shown directory goes on the back stack: that is meant.
     x_history_push(backward_history, shown_path());
-    auto path = x_history_pop(forward_history);
-    if (path)
-        fl_setpath(path->c_str());
+    show(x_history_pop(forward_history));
 }
 
 int fl_get_back_count() { return backward_history.count; }

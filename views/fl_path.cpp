@@ -99,6 +99,8 @@ int fl_newpath(QWidget *, const char *path)
         return -1;
     x_history_clear(forward_history);
     x_history_push(backward_history, had_path ? previous.c_str() : nullptr);
+    if (gFlHooks.history_changed)
+        gFlHooks.history_changed();
     return 0;
 }
 

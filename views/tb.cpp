@@ -10,6 +10,7 @@
 #include "platform/res.h"
 #include "platform/w.h"
 #include "views/fl.h"
+#include "views/fl_back.h"
 #include "views/gm.h"
 #include "views/hm.h"
 #include "views/tb_boxes.h"
@@ -42,6 +43,7 @@ struct Button {
     const char *key;            // as the menus show it, or null
     Handler handler;            // of this floor, or null:
     Handler TbHooks::*upstairs; // of a floor above
+    bool (*when)();             // whether it can do anything now; null: always
 };
 
 std::string sConfDir; // where tav.conf is; empty: nowhere
@@ -52,22 +54,45 @@ int refresh(QWidget *)
     return W_CONTINUE;
 }
 
+bool can_go_back() { return fl_get_back_count() != 0; }
+
+bool can_go_forward() { return fl_get_forward_count() != 0; }
+
+bool can_go_up() { return gDir.path != "/"; }
+
+bool can_go_home()
+{
+    const char *home = getenv("HOME");
+    return home && gDir.path != home;
+}
+
+bool can_add() { return !tree_lookup(gDir.path.c_str()); }
+
+bool any_selected() { return gDir.nselected > 0; }
+
+// clang-format off
 constexpr Button sButtons[] = {
-    {"nav_tb", "tb_back", "back", "Back", "Alt-<-", gm_back, nullptr},
-    {"nav_tb", "tb_forward", "forward", "Forward", "Alt-->", gm_forward, nullptr},
-    {"nav_tb", "tb_up", "up", "Up One Level", "Bksp", gm_up, nullptr},
-    {"nav_tb", "tb_home", "home", "Home", "F6", gm_home, nullptr},
-    {"nav_tb", "tb_refresh", "refresh", "Refresh", "F5", refresh, nullptr},
-    {"clip_tb", "tb_cut", "cut", "Cut", "Ctrl-X", nullptr, &TbHooks::cut},
-    {"clip_tb", "tb_copy", "copy", "Copy", "Ctrl-C", nullptr, &TbHooks::copy},
-    {"clip_tb", "tb_paste", "paste", "Paste", "Ctrl-V", nullptr, &TbHooks::paste},
-    {"misc_tb", "tb_new_folder", "new_folder", "New Folder", "F4", nullptr, &TbHooks::new_folder},
-    {"misc_tb", "tb_properties", "properties", "Properties", "F9", nullptr, &TbHooks::properties},
-    {"misc_tb", "tb_terminal", "terminal", "Terminal", "Ctrl-T", nullptr, &TbHooks::terminal},
-    {"misc_tb", "tb_delete", "delete", "Delete", "Del", nullptr, &TbHooks::erase},
-    {"hotlist_tb", "tb_hotlist", "hotlist", "Show Hotlist", nullptr, vm_hotlist_toggle, nullptr},
-    {"hotlist_tb", "tb_add", "add", "Add Current Directory", "Ctrl-D", hm_add, nullptr},
+    {"nav_tb", "tb_back", "back", "Back", "Alt-<-", gm_back, nullptr, can_go_back},
+    {"nav_tb", "tb_forward", "forward", "Forward", "Alt-->", gm_forward, nullptr, can_go_forward},
+    {"nav_tb", "tb_up", "up", "Up One Level", "Bksp", gm_up, nullptr, can_go_up},
+    {"nav_tb", "tb_home", "home", "Home", "F6", gm_home, nullptr, can_go_home},
+    {"nav_tb", "tb_refresh", "refresh", "Refresh", "F5", refresh, nullptr, nullptr},
+    {"clip_tb", "tb_cut", "cut", "Cut", "Ctrl-X", nullptr, &TbHooks::cut, any_selected},
+    {"clip_tb", "tb_copy", "copy", "Copy", "Ctrl-C", nullptr, &TbHooks::copy, any_selected},
+    {"clip_tb", "tb_paste", "paste", "Paste", "Ctrl-V", nullptr, &TbHooks::paste, nullptr},
+    {"misc_tb", "tb_new_folder", "new_folder", "New Folder", "F4", nullptr, &TbHooks::new_folder, nullptr},
+    {"misc_tb", "tb_properties", "properties", "Properties", "F9", nullptr, &TbHooks::properties, any_selected},
+    {"misc_tb", "tb_terminal", "terminal", "Terminal", "Ctrl-T", nullptr, &TbHooks::terminal, nullptr},
+    {"misc_tb", "tb_delete", "delete", "Delete", "Del", nullptr, &TbHooks::erase, any_selected},
+    {"hotlist_tb", "tb_hotlist", "hotlist", "Show Hotlist", nullptr, vm_hotlist_toggle, nullptr, nullptr},
+    {"hotlist_tb", "tb_add", "add", "Add Current Directory", "Ctrl-D", hm_add, nullptr, can_add},
 };
+// clang-format on
+
+Handler handler_of(const Button &row)
+{
+    return row.upstairs ? gTbHooks.*row.upstairs : row.handler;
+}
 
 void add_button(QToolBar *bar, const Button &row)
 {
@@ -81,18 +106,12 @@ void add_button(QToolBar *bar, const Button &row)
         tip += QStringLiteral(" (%1)").arg(QLatin1String(row.key));
     button->setToolTip(tip.toHtmlEscaped());
     button->setFocusPolicy(Qt::TabFocus);
-    const Handler handler = row.upstairs ? gTbHooks.*row.upstairs : row.handler;
+    const Handler handler = handler_of(row);
     button->setEnabled(handler);
     if (handler)
         QObject::connect(button, &QToolButton::clicked, button,
                          [button, handler] { handler(button); });
     bar->addWidget(button);
-}
-
-void enable(const char *name, bool enabled)
-{
-    if (QWidget *button = w_find(name))
-        button->setEnabled(enabled);
 }
 
 std::string conf_path()
@@ -150,10 +169,9 @@ int tb_save_shown()
 
 void tb_update()
 {
-    const char *home = getenv("HOME");
-    enable("tb_up", gDir.path != "/");
-    enable("tb_home", home && gDir.path != home);
-    enable("tb_add", !tree_lookup(gDir.path.c_str()));
+    for (const Button &row : sButtons)
+        if (QWidget *button = row.when ? w_find(row.name) : nullptr)
+            button->setEnabled(handler_of(row) && row.when());
 }
 
 } // namespace tav

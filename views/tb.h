@@ -32,7 +32,9 @@ void tb_load_shown(const char *dir);
 // Writes into tav.conf which bars are shown. 0, or -1 when there is no file to write.
 int tb_save_shown();
 
-// Enables and dims "tb_up", "tb_home" and "tb_add" after the shown directory.
+// Enables and dims the buttons that cannot always do something: "tb_up", "tb_home" and "tb_add"
+// after the shown directory, "tb_back" and "tb_forward" after the history, others after the
+// selection.
 void tb_update();
 
 int tb_curpath_cb(QWidget *widget);  // the path box was entered or a path picked: goes there

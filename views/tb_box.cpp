@@ -75,6 +75,13 @@ QSize TbBox::minimumSizeHint() const
     return greedy_ ? QSize(QComboBox::minimumSizeHint().width(), size.height()) : size;
 }
 
+void TbBox::changeEvent(QEvent *event)
+{
+    QComboBox::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        Q_EMIT recoloured();
+}
+
 void TbBox::keyPressEvent(QKeyEvent *event)
 {
     // Up and Down would pick the next entry at once; they open the list, where a pick is final.

@@ -32,9 +32,11 @@ public:
     bool is_typing() const; // a person changed the text and is still in it
 
 Q_SIGNALS:
-    void entered(); // Return in the text, or a final pick from the list
+    void entered();    // Return in the text, or a final pick from the list
+    void recoloured(); // the desktop's colours changed
 
 protected:
+    void changeEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
 

@@ -102,6 +102,7 @@ void tb_path_setup(QToolBar *bar)
     path->set_greedy();
     bar->addWidget(path);
     QObject::connect(path, &TbBox::entered, path, [path] { tb_curpath_cb(path); });
+    QObject::connect(path, &TbBox::recoloured, path, tb_curpath_update_appearance);
     QObject::connect(path->edit(), &TbEdit::typed, path, [path] { tb_curpath_notify(path); });
     QObject::connect(path->edit(), &TbEdit::abandoned, path, [path] {
         show(path, shown_text(gDir.path));
@@ -143,7 +144,7 @@ int tb_curpath_notify(QWidget *)
     if (gOptions & OPTION_COMPLETE) {
         if (const char *found = cl_find_pattern(gPathList, typed.c_str())) {
             const int length = static_cast<int>(edit->text().size());
-            const QString whole = QString::fromUtf8(found);
+            const QString whole = shown_text(found);
             const int tail = static_cast<int>(whole.size()) - length;
             edit->setText(whole);
             edit->setModified(true);

@@ -5,6 +5,7 @@
 #include "model/dir.h"
 #include "model/es.h"
 #include "platform/fonts.h"
+#include "platform/shown.h"
 #include "platform/w.h"
 #include "views/fl.h"
 #include "views/tb.h"
@@ -22,6 +23,7 @@ TreeView *sTree;
 std::optional<std::string> sRootPath; // none in hotlist mode
 int sDepth;
 TreeItem *sDndItem;
+std::string sEntered; // the hotlist path from which the user went deeper
 
 void rows_rebuilt(TreeView *tree)
 {
@@ -49,6 +51,7 @@ void forget_tree()
     sRootPath.reset();
     sDepth = 0;
     sDndItem = nullptr;
+    sEntered.clear();
     gTree.menu_item = nullptr;
 }
 
@@ -79,6 +82,40 @@ const TreeItem *top_of(const TreeItem *row)
     return row;
 }
 
+// The row and what is below it, as far as it is expanded.
+void gather_expanded(QTreeWidgetItem *row, std::vector<QTreeWidgetItem *> &expanded)
+{
+    if (!row->isExpanded())
+        return;
+    expanded.push_back(row);
+    for (int i = 0; i < row->childCount(); ++i)
+        gather_expanded(row->child(i), expanded);
+}
+
+// Puts the row beside the target. It is only moved: the levels below it stay as they are.
+void move_row(TreeView *tree, TreeItem *moved, TreeItem *target, bool after)
+{
+    const QSignalBlocker quiet(tree);
+    std::vector<QTreeWidgetItem *> expanded;
+    gather_expanded(moved, expanded);
+    tree->takeTopLevelItem(tree->indexOfTopLevelItem(moved));
+    if (after)
+        tree->insertTopLevelItem(tree->indexOfTopLevelItem(target) + 1, moved);
+    else
+        tree_add_before(tree, moved, target);
+    for (QTreeWidgetItem *row : expanded)
+        row->setExpanded(true);
+}
+
+std::vector<std::string> top_labels(const TreeView *tree)
+{
+    std::vector<std::string> labels;
+    labels.reserve(static_cast<size_t>(tree->topLevelItemCount()));
+    for (int i = 0; i < tree->topLevelItemCount(); ++i)
+        labels.push_back(static_cast<TreeItem *>(tree->topLevelItem(i))->name);
+    return labels;
+}
+
 } // namespace
 
 void tree_setup()
@@ -100,8 +137,13 @@ int tree_depth() { return sDepth; }
 
 void tree_build(TreeView *tree)
 {
+    if (tree->current() && sEntered.empty())
+        sEntered = top_of(tree->current())->name;
     clear_rows(tree);
     tree_level_add_hotlist(tree, gTree.paths);
+    if (TreeItem *item = sEntered.empty() ? nullptr : x_find_item(tree, sEntered))
+        tree->setCurrentItem(item);
+    sEntered.clear();
 }
 
 void tree_set_contents(TreeView *tree, const char *path)
@@ -149,6 +191,8 @@ int x_enter_item(TreeView *tree, TreeItem *row, std::string &buffer)
             buffer.clear();
         }
     } else if (row->look == TreeLook::Expandable) {
+        if (!sRootPath)
+            sEntered = top_of(row)->name;
         if (top_of(row)->name != "..")
             ++sDepth;
         tree_set_contents(tree, buffer.c_str());
@@ -180,7 +224,8 @@ int tree_selection_cb(TreeView *tree, TreeItem *row)
     std::string path;
     x_get_fullpath(row, path);
     if (!path.starts_with('/')) // a line of the file that names no place
-        wreport(gBase, "Error", "Directory '%s', not found", path.c_str());
+        wreport(gBase, "Error", "Directory '%s', not found",
+                shown_text(path).toStdString().c_str());
     else if (!gDir.has_path || path != gDir.path)
         fl_newpath(tree, path.c_str());
     if (had_focus)
@@ -201,7 +246,7 @@ int tree_add_cb(QWidget *)
         x_get_fullpath(static_cast<TreeItem *>(gTree.menu_item), path);
     if (path.find('\n') != std::string::npos)
         wreport(gBase, "Error", "'%s' holds a line break and cannot be in the hotlist",
-                path.c_str());
+                shown_text(path).toStdString().c_str());
     tree_add(sTree, path.c_str());
     tb_update();
     return W_CONTINUE;
@@ -230,21 +275,8 @@ int tree_dnd_cb(TreeView *tree, TreeItem *target, bool after)
     TreeItem *moved = sDndItem;
     if (!moved || sRootPath || target->parent() || target == moved)
         return W_CONTINUE;
-    const bool expanded = moved->isExpanded();
-    {
-        const QSignalBlocker quiet(tree); // it is only moved: its level stays
-        tree->takeTopLevelItem(tree->indexOfTopLevelItem(moved));
-        if (after)
-            tree->insertTopLevelItem(tree->indexOfTopLevelItem(target) + 1, moved);
-        else
-            tree_add_before(tree, moved, target);
-        moved->setExpanded(expanded);
-    }
-    std::vector<std::string> labels;
-    labels.reserve(static_cast<size_t>(tree->topLevelItemCount()));
-    for (int i = 0; i < tree->topLevelItemCount(); ++i)
-        labels.push_back(static_cast<TreeItem *>(tree->topLevelItem(i))->name);
-    tree_set_paths(labels);
+    move_row(tree, moved, target, after);
+    tree_set_paths(top_labels(tree));
     tree->setCurrentItem(moved);
     return W_CONTINUE;
 }

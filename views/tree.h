@@ -25,7 +25,8 @@ constexpr const char *TREE_DRAG_DATA = "This is tav hotlist entry";
 void tree_setup();
 TreeView *tree_view(); // null before tree_setup
 
-// Hotlist mode: one top-level row per path of the hotlist, in its order.
+// Hotlist mode: one top-level row per path of the hotlist, in its order. The cursor stays on the
+// path that it was on or, coming back to the hotlist, goes to the one that was entered.
 void tree_build(TreeView *tree);
 
 // Roots the tree at a directory, or (null) goes back to the hotlist. Nothing when it is the root
@@ -34,13 +35,16 @@ void tree_set_contents(TreeView *tree, const char *path);
 const char *tree_root(); // the directory the tree is rooted at, null in hotlist mode
 int tree_depth();        // how many directories deep the user has entered
 
-// Reads the level below parent (null: the top level, of path) and adds its directories. Waits a
-// moment for a quick disk; from a slow one the rows come later.
+// Reads the level below parent (null: the top level, of path) and adds its directories. Waits no
+// longer than anybody could see; what takes longer comes later, and meanwhile everything goes on.
 void x_tree_expand(TreeView *tree, TreeItem *parent, const char *path);
 
 // Adds a row in order of its name (sorted; a name that is there already is refused: null) or last;
 // its image and mark follow when they have been found out.
 TreeItem *x_add_item(TreeView *tree, TreeItem *parent, const std::string &name, bool sorted);
+
+// The top-level row of that name, null when there is none.
+TreeItem *x_find_item(TreeView *tree, const std::string &name);
 
 // Takes the top-level row of that name out.
 void x_remove_item(TreeView *tree, const std::string &name);

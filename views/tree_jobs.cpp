@@ -13,11 +13,11 @@
 namespace tav {
 
 void (*gTreeProbeNotify)();
+void (*gTreeLevelNotify)(bool done);
 TreeCalls gTreeCalls = {fs_path_has_subdirectories, opendir};
 
 namespace {
 
-constexpr size_t LEVEL_BATCH = 256; // rows that are handed over at once
 constexpr auto HUNG_AFTER =
     std::chrono::milliseconds(200); // no question begun meanwhile: one more worker
 
@@ -99,31 +99,45 @@ bool is_wanted(const TreeLevelRequest &request, const char *name)
     return strcmp(name, "..") != 0 || request.parent_entry;
 }
 
-// Links are followed: a link to a directory is one.
+// Links are followed: a link to a directory is one. What the directory itself says is believed.
 bool is_directory(int fd, const struct dirent *entry)
 {
-    if (entry->d_type != DT_DIR && entry->d_type != DT_LNK && entry->d_type != DT_UNKNOWN)
-        return false;
+    if (entry->d_type != DT_LNK && entry->d_type != DT_UNKNOWN)
+        return entry->d_type == DT_DIR;
     struct stat status;
     return fstatat(fd, entry->d_name, &status, 0) == 0 && S_ISDIR(status.st_mode);
 }
 
-void hand_over(TreeLevel &level, std::vector<TreeRow> &rows, bool done)
+void tell(const TreeLevel &level, bool done)
 {
-    const std::lock_guard lock(level.mutex);
-    if (level.rows.empty())
-        level.rows.swap(rows);
-    else
-        level.rows.insert(level.rows.end(), std::make_move_iterator(rows.begin()),
-                          std::make_move_iterator(rows.end()));
-    rows.clear();
-    level.done = done;
-    level.changed.notify_all();
+    if (gTreeLevelNotify && !level.cancel)
+        gTreeLevelNotify(done);
+}
+
+void add_row(TreeLevel &level, TreeRow row)
+{
+    bool first;
+    {
+        const std::lock_guard lock(level.mutex);
+        level.rows.push_back(std::move(row));
+        first = level.rows.size() == 1;
+    }
+    if (first)
+        tell(level, false);
+}
+
+void end_level(TreeLevel &level)
+{
+    {
+        const std::lock_guard lock(level.mutex);
+        level.done = true;
+        level.changed.notify_all();
+    }
+    tell(level, true);
 }
 
 void read_level(TreeLevel &level, const TreeLevelRequest &request)
 {
-    std::vector<TreeRow> rows;
     DIR *dir = gTreeCalls.open(request.path.c_str());
     while (dir && !level.cancel) {
         const struct dirent *entry = readdir(dir);
@@ -133,13 +147,11 @@ void read_level(TreeLevel &level, const TreeLevelRequest &request)
             continue;
         const int subdirectories = gTreeCalls.has_subdirectories(
             request.path.c_str(), entry->d_name, fs_flags(request.dot_names));
-        rows.push_back({entry->d_name, subdirectories});
-        if (rows.size() == LEVEL_BATCH)
-            hand_over(level, rows, false);
+        add_row(level, {entry->d_name, subdirectories});
     }
     if (dir)
         closedir(dir);
-    hand_over(level, rows, true);
+    end_level(level);
 }
 
 } // namespace
@@ -156,7 +168,7 @@ std::vector<TreeRow> tree_level_take(TreeLevel &level, int milliseconds, bool &d
 {
     std::unique_lock lock(level.mutex);
     level.changed.wait_for(lock, std::chrono::milliseconds(milliseconds),
-                           [&level] { return level.done || !level.rows.empty(); });
+                           [&level] { return level.done; });
     done = level.done;
     std::vector<TreeRow> rows;
     rows.swap(level.rows);

@@ -3,8 +3,8 @@
 //
 // Levels: one detached thread each, which appends rows to a record under its mutex until it is done
 // or told to stop. Probes: one queue for a few detached threads; a thread that does not come back
-// is replaced while others wait, up to a limit. Answers stand in a second queue; whoever puts the
-// first one there calls the notifier, once per batch.
+// is replaced while others wait, up to a limit. Answers stand in a second queue. Whoever puts the
+// first row or answer into an empty place calls the notifier, once per batch.
 #pragma once
 
 #include <atomic>
@@ -34,7 +34,7 @@ struct TreeLevelRequest {
 // A level being read; shared by the reader and whoever waits for it.
 struct TreeLevel {
     std::mutex mutex;
-    std::condition_variable changed;  // rows were added, or it is done
+    std::condition_variable changed;  // it is done
     std::vector<TreeRow> rows;        // found and not yet taken; under the mutex
     bool done = false;                // under the mutex
     std::atomic<bool> cancel = false; // set by the main thread: stop, nobody waits
@@ -43,8 +43,8 @@ struct TreeLevel {
 // Starts reading. Never null; when no thread could be started the level is done and empty.
 std::shared_ptr<TreeLevel> tree_level_start(const TreeLevelRequest &request);
 
-// Takes the rows found so far, after waiting until some are there or it is done, at most
-// milliseconds. done tells whether these were the last.
+// Takes the rows found so far, after waiting until all are, at most milliseconds. done tells
+// whether these were the last.
 std::vector<TreeRow> tree_level_take(TreeLevel &level, int milliseconds, bool &done);
 
 // Question and answer about one directory.
@@ -55,8 +55,10 @@ struct TreeProbe {
     int subdirectories; // the answer, as fs_path_has_subdirectories gives it
 };
 
-// Called on a worker when answers wait and none did before. Set before the first question.
+// Called on a worker: answers wait and none did before; rows wait and none did before, or (done)
+// the last ones are there. Set before the first question and the first level.
 extern void (*gTreeProbeNotify)();
+extern void (*gTreeLevelNotify)(bool done);
 
 void tree_probe_ask(std::vector<TreeProbe> questions);
 void tree_probe_forget();                    // drops the questions that nobody has begun

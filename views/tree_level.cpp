@@ -5,11 +5,9 @@
 
 #include "app/config.h"
 #include "platform/ui_gate.h"
-#include "platform/w.h"
 #include "views/tree.h"
 #include "views/tree_jobs.h"
 
-#include <QElapsedTimer>
 #include <QHash>
 #include <QTimer>
 #include <algorithm>
@@ -19,15 +17,20 @@ namespace tav {
 
 namespace {
 
-constexpr int WAIT_MS = 300; // for a level, with the window blocked
-constexpr int LATER_MS = 50; // between looks at levels that take longer
+constexpr int WAIT_MS = 20;     // for a level: less than anybody sees, enough for a quick disk
+constexpr int LATER_MS = 50;    // until the rows of a longer one are taken; then twice as long, ...
+constexpr int LATEST_MS = 1000; // ... up to this
+constexpr int PIECES_UNTIL = 2000; // rows of a level; the rest comes in one piece, which is quicker
 
-// Levels that take longer, and the row each is below (null: the top level).
+// A level that takes longer, and the row it is below (null: the top level).
 struct Reading {
     TreeItem *parent;
     std::shared_ptr<TreeLevel> level;
+    std::vector<TreeRow> held; // rows that wait for the end, because the level is long already
 };
 std::vector<Reading> sReading;
+int sLaterMs = LATER_MS; // until the next look at them
+bool sLookDue;           // that look is coming
 
 QHash<uint64_t, TreeItem *> sAsked; // rows whose question is out
 uint64_t sLastQuestion;
@@ -94,38 +97,62 @@ TreeItem *new_row(const TreeRow &row)
     return item;
 }
 
-// All rows into an empty level, which is quicker than one by one.
-void fill_level(QTreeWidgetItem *parent, std::vector<TreeRow> &rows, bool sorted)
+bool is_before(const std::string &a, const std::string &b)
 {
-    if (sorted)
-        std::sort(rows.begin(), rows.end(), [](const TreeRow &a, const TreeRow &b) {
-            return (a.name == "..") != (b.name == "..") ? a.name == ".." : a.name < b.name;
-        });
-    else
-        std::stable_partition(rows.begin(), rows.end(),
-                              [](const TreeRow &row) { return row.name == ".."; });
-    if (sorted)
-        rows.erase(std::unique(rows.begin(), rows.end(),
-                               [](const TreeRow &a, const TreeRow &b) { return a.name == b.name; }),
-                   rows.end());
-    QList<QTreeWidgetItem *> items;
-    items.reserve(static_cast<qsizetype>(rows.size()));
-    for (const TreeRow &row : rows)
-        items.append(new_row(row));
-    parent->addChildren(items);
+    return (a == "..") != (b == "..") ? a == ".." : a < b;
+}
+
+// Puts sorted rows in between those of a sorted level, whole runs at once; names that are there
+// already stay out.
+void weave_rows(QTreeWidgetItem *level, const std::vector<TreeRow> &rows)
+{
+    for (size_t next = 0; next < rows.size();) {
+        const int place = place_of(level, rows[next].name, true);
+        if (place < 0) {
+            ++next;
+            continue;
+        }
+        QList<QTreeWidgetItem *> run;
+        do
+            run.append(new_row(rows[next]));
+        while (++next < rows.size() &&
+               (place == level->childCount() || is_before(rows[next].name, name_at(level, place))));
+        level->insertChildren(place, run);
+    }
 }
 
 void add_rows(TreeView *tree, TreeItem *parent, std::vector<TreeRow> &rows)
 {
-    const bool sorted = gOptions & OPTION_TREE_SORTED;
     QTreeWidgetItem *level = parent_of(tree, parent);
-    if (level->childCount() == 0)
-        return fill_level(level, rows, sorted);
-    for (const TreeRow &row : rows) {
-        const int place = place_of(level, row.name, sorted);
-        if (place >= 0)
-            level->insertChild(place, new_row(row));
+    if (gOptions & OPTION_TREE_SORTED) {
+        std::sort(rows.begin(), rows.end(),
+                  [](const TreeRow &a, const TreeRow &b) { return is_before(a.name, b.name); });
+        rows.erase(std::unique(rows.begin(), rows.end(),
+                               [](const TreeRow &a, const TreeRow &b) { return a.name == b.name; }),
+                   rows.end());
+        return weave_rows(level, rows);
     }
+    QList<QTreeWidgetItem *> last;
+    for (const TreeRow &row : rows)
+        if (row.name == "..")
+            level->insertChild(0, new_row(row));
+        else
+            last.append(new_row(row));
+    level->addChildren(last);
+}
+
+// Takes in what a level has by now, waiting for its end at most so long. True when that was all.
+bool take_rows(TreeView *tree, Reading &reading, int milliseconds)
+{
+    bool done = false;
+    std::vector<TreeRow> rows = tree_level_take(*reading.level, milliseconds, done);
+    reading.held.insert(reading.held.end(), std::make_move_iterator(rows.begin()),
+                        std::make_move_iterator(rows.end()));
+    if (done || parent_of(tree, reading.parent)->childCount() < PIECES_UNTIL) {
+        add_rows(tree, reading.parent, reading.held);
+        reading.held.clear();
+    }
+    return done;
 }
 
 void stop(const Reading &reading)
@@ -135,22 +162,31 @@ void stop(const Reading &reading)
         reading.parent->level.reset();
 }
 
-// Takes in what the slower levels have found meanwhile.
-void look_later(TreeView *tree)
+// Takes in what the longer levels have found meanwhile.
+void look_at_levels()
 {
-    std::vector<Reading> going_on;
-    for (const Reading &reading : std::vector<Reading>(sReading)) {
-        bool done = false;
-        std::vector<TreeRow> rows = tree_level_take(*reading.level, 0, done);
-        add_rows(tree, reading.parent, rows);
-        if (!done)
-            going_on.push_back(reading);
-        else if (reading.parent)
+    TreeView *tree = tree_view();
+    sLookDue = false;
+    std::erase_if(sReading, [tree](Reading &reading) {
+        const bool done = take_rows(tree, reading, 0);
+        if (done && reading.parent)
             reading.parent->level.reset();
-    }
-    sReading = going_on;
+        return done;
+    });
     if (sReading.empty())
-        wtimer_detach(tree);
+        sLaterMs = LATER_MS;
+}
+
+// A worker has rows, or the last ones.
+void rows_wait(bool done)
+{
+    if (sReading.empty() || (sLookDue && !done))
+        return;
+    if (done)
+        return look_at_levels();
+    sLookDue = true;
+    QTimer::singleShot(sLaterMs, tree_view(), look_at_levels);
+    sLaterMs = std::min(2 * sLaterMs, LATEST_MS);
 }
 
 } // namespace
@@ -158,6 +194,7 @@ void look_later(TreeView *tree)
 void tree_level_setup()
 {
     gTreeProbeNotify = [] { ui_post(take_answers); };
+    gTreeLevelNotify = [](bool done) { ui_post([done] { rows_wait(done); }); };
 }
 
 void tree_level_add_hotlist(TreeView *tree, const std::vector<std::string> &paths)
@@ -187,11 +224,16 @@ TreeItem *x_add_item(TreeView *tree, TreeItem *parent, const std::string &name, 
 
 void x_remove_item(TreeView *tree, const std::string &name)
 {
+    if (TreeItem *item = x_find_item(tree, name))
+        delete tree->takeTopLevelItem(tree->indexOfTopLevelItem(item));
+}
+
+TreeItem *x_find_item(TreeView *tree, const std::string &name)
+{
     for (int i = 0; i < tree->topLevelItemCount(); ++i)
-        if (static_cast<TreeItem *>(tree->topLevelItem(i))->name == name) {
-            delete tree->takeTopLevelItem(i);
-            return;
-        }
+        if (auto *item = static_cast<TreeItem *>(tree->topLevelItem(i)); item->name == name)
+            return item;
+    return nullptr;
 }
 
 void x_set_look(TreeItem *item, int subdirectories)
@@ -206,32 +248,23 @@ void x_set_look(TreeItem *item, int subdirectories)
 
 void x_tree_expand(TreeView *tree, TreeItem *parent, const char *path)
 {
-    TreeLevelRequest request{path ? path : "", dot_names(), !parent};
+    TreeLevelRequest request{path ? path : "", dot_names(), false};
     if (!path)
         x_get_fullpath(parent, request.path);
-    // Below a root of "/" every level shows its way back, too.
-    request.parent_entry |= tree_root() && strcmp(tree_root(), "/") == 0;
-    const Reading reading{parent, tree_level_start(request)};
-    wblock(gBase, 1);
-    std::vector<TreeRow> all;
-    QElapsedTimer clock;
-    clock.start();
-    bool done = false;
-    while (!done && !clock.hasExpired(WAIT_MS)) {
-        const int left = static_cast<int>(WAIT_MS - clock.elapsed());
-        std::vector<TreeRow> rows = tree_level_take(*reading.level, std::max(left, 0), done);
-        all.insert(all.end(), std::make_move_iterator(rows.begin()),
-                   std::make_move_iterator(rows.end()));
-    }
-    add_rows(tree, parent, all);
-    wblock(gBase, 0);
-    if (done)
+    // Below a root of "/" every level shows its way back. The top level's is there at once, so that
+    // a directory that cannot be read keeps nobody.
+    request.parent_entry = parent && tree_root() && strcmp(tree_root(), "/") == 0;
+    if (!parent && dot_names())
+        x_add_item(tree, nullptr, "..", true);
+    Reading reading{parent, tree_level_start(request), {}};
+    if (take_rows(tree, reading, WAIT_MS))
         return;
     if (parent)
         parent->level = reading.level;
-    sReading.push_back(reading);
-    wtimer_attach(tree, LATER_MS, [tree](QObject *) { look_later(tree); });
+    sReading.push_back(std::move(reading));
 }
+
+bool tree_level_is_reading() { return !sReading.empty(); }
 
 void tree_level_drop(TreeItem *row)
 {
@@ -247,6 +280,8 @@ void tree_level_drop_all()
     for (const Reading &reading : sReading)
         stop(reading);
     sReading.clear();
+    sLaterMs = LATER_MS;
+    sLookDue = false; // a look that is coming finds nothing
     tree_probe_forget();
 }
 

@@ -1,5 +1,5 @@
 // The rows of the directory tree's levels: adding them in order, and the answers that come from the
-// workers. Used by views/tree.cpp alone. Main thread only.
+// workers. Used by views/tree.cpp and tests alone. Main thread only.
 #pragma once
 
 #include "views/tree_view.h"
@@ -14,6 +14,8 @@ void tree_level_setup();
 
 // Adds the rows of the hotlist in its order.
 void tree_level_add_hotlist(TreeView *tree, const std::vector<std::string> &paths);
+
+bool tree_level_is_reading(); // rows of a level are still to come
 
 // Stops reading the level below row; of every level; every question.
 void tree_level_drop(TreeItem *row);

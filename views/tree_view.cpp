@@ -34,6 +34,13 @@ public:
             {size.height(), option.fontMetrics.height() + ROW_MARGIN, IMAGE_SIZE + ROW_MARGIN}));
         return size;
     }
+
+protected:
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->state &= ~QStyle::State_HasFocus; // the whole row shows the cursor, without a frame
+    }
 };
 
 // In this order: 0 collapsed, 1 expanded, 2 not used, 3 not to be read.

@@ -1,4 +1,5 @@
 // The toolbars: buttons and their states, the path box, the filter box, which bars are shown.
+#include "platform/shown.h"
 #include "ways_fixture.h"
 
 #include <QAbstractItemView>
@@ -49,6 +50,10 @@ private Q_SLOTS:
 
     void buttons_call_what_higher_floors_filled_in()
     {
+        m->dir.file("a");
+        fl_refresh();
+        fl_select_all();
+        fl_status_flush();
         for (const char *name : {"tb_cut", "tb_copy", "tb_paste", "tb_new_folder", "tb_properties",
                                  "tb_terminal", "tb_delete"})
             QTest::mouseClick(m->button(name), Qt::LeftButton);
@@ -71,6 +76,39 @@ private Q_SLOTS:
         const int before = gDir.count;
         QTest::mouseClick(m->button("tb_refresh"), Qt::LeftButton);
         QCOMPARE(gDir.count, before + 1);
+    }
+
+    void back_and_forward_are_dimmed_where_they_lead_nowhere()
+    {
+        const auto states = [this] {
+            return std::pair(m->button("tb_back")->isEnabled(),
+                             m->button("tb_forward")->isEnabled());
+        };
+        tb_update();
+        QCOMPARE(states(), std::pair(false, false));
+        m->dir.dir("a");
+        fl_newpath(nullptr, m->dir.at("a").c_str());
+        QCOMPARE(states(), std::pair(true, false));
+        fl_back();
+        QCOMPARE(states(), std::pair(false, true));
+        fl_forward();
+        QCOMPARE(states(), std::pair(true, false));
+        fl_forward(); // with nothing ahead: one more on the back stack
+        QCOMPARE(states(), std::pair(true, false));
+    }
+
+    void buttons_for_the_selection_follow_it()
+    {
+        m->dir.file("a");
+        fl_refresh();
+        for (bool selected : {true, false}) {
+            selected ? fl_select_all() : fl_unselect_all(nullptr);
+            fl_status_flush();
+            for (const char *name : {"tb_cut", "tb_copy", "tb_delete", "tb_properties"})
+                QCOMPARE(m->button(name)->isEnabled(), selected);
+            for (const char *name : {"tb_paste", "tb_new_folder", "tb_terminal", "tb_refresh"})
+                QVERIFY(m->button(name)->isEnabled());
+        }
     }
 
     void up_is_dimmed_in_the_root_directory()
@@ -267,6 +305,17 @@ private Q_SLOTS:
         QCOMPARE(m->path()->currentText(), QStringLiteral("/usrx"));
     }
 
+    void a_completed_name_that_is_no_text_can_be_entered()
+    {
+        const std::string odd = m->dir.dir("odd\xff\x02");
+        cl_add(gPathList, odd.c_str());
+        cl_apply(gPathList, combo_box(m->path()));
+        type(QString::fromStdString(m->dir.at("odd")));
+        QCOMPARE(m->path()->currentText(), shown_text(odd));
+        enter();
+        QCOMPARE(gDir.path, odd);
+    }
+
     void deleting_and_typing_in_the_middle_complete_nothing()
     {
         cl_add(gPathList, "/usr/local");
@@ -324,6 +373,24 @@ private Q_SLOTS:
         m->path()->setPalette(dark);
         type(QStringLiteral("ftp://h"));
         QVERIFY(colour().lightness() > 150);
+    }
+
+    void colours_follow_the_desktops()
+    {
+        type(QStringLiteral("ftp://h"));
+        QCOMPARE(colour(), QColor(0, 0, 0xFF));
+        QPalette dark = m->path()->palette();
+        dark.setColor(QPalette::Base, QColor(0x20, 0x20, 0x20));
+        m->path()->setPalette(dark);
+        QVERIFY(colour().lightness() > 150);
+    }
+
+    void the_boxes_do_not_complete_or_insert_by_themselves()
+    {
+        for (TbBox *box : {m->path(), m->filter()}) {
+            QVERIFY(!box->completer());
+            QCOMPARE(box->insertPolicy(), QComboBox::NoInsert);
+        }
     }
 
     void a_filter_is_set_and_remembered()

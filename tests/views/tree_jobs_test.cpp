@@ -113,6 +113,22 @@ TEST_F(TreeJobs, ALevelStopsWhenNobodyWaitsForIt)
     EXPECT_LE(rows, 601u);
 }
 
+TEST_F(TreeJobs, ALevelTellsWhenRowsWaitAndWhenItIsDone)
+{
+    static std::atomic<int> waiting, done;
+    waiting = done = 0;
+    gTreeLevelNotify = [](bool last) { ++(last ? done : waiting); };
+    for (int i = 0; i < 100; ++i)
+        dir.dir("d" + std::to_string(i));
+    auto reading = tree_level_start({dir.path(), true, false});
+    ASSERT_TRUE(test_wait([] { return done == 1; }));
+    EXPECT_EQ(waiting, 1); // nobody took any meanwhile
+    gTreeLevelNotify = nullptr;
+    bool all = false;
+    EXPECT_EQ(tree_level_take(*reading, 0, all).size(), 100u);
+    EXPECT_TRUE(all);
+}
+
 TEST_F(TreeJobs, ProbesAreAnsweredInOneBatchOrMore)
 {
     dir.dir("with/inner");

@@ -3,6 +3,8 @@
 #include "ways_fixture.h"
 
 #include <atomic>
+#include <climits>
+#include <set>
 
 namespace tav {
 
@@ -25,6 +27,38 @@ int slow_has_subdirectories(const char *parent, const char *name, unsigned)
     wait_while_hanging(parent ? parent : name);
     return 1;
 }
+
+std::atomic<int> sAsked;     // subdirectory questions so far
+std::atomic<int> sHangAfter; // from this one on they wait
+
+int later_slow_has_subdirectories(const char *, const char *, unsigned)
+{
+    const int number = ++sAsked;
+    test_wait([number] { return number <= sHangAfter; }, 60000);
+    return 0;
+}
+
+// Replaces what the tree's workers ask, and lets all of it go at the end.
+class Calls {
+public:
+    explicit Calls(const TreeCalls &calls) : before_(gTreeCalls)
+    {
+        gTreeCalls = calls;
+        sAsked = 0;
+    }
+    ~Calls()
+    {
+        sHang = false;
+        sHangAfter = INT_MAX;
+        test_wait([] { return sHanging == 0; });
+        gTreeCalls = before_;
+    }
+    Calls(const Calls &) = delete;
+    Calls &operator=(const Calls &) = delete;
+
+private:
+    TreeCalls before_;
+};
 
 DIR *slow_open(const char *path)
 {
@@ -66,7 +100,7 @@ private Q_SLOTS:
         m->dir.file("top/file");
         m->dir.link("top/link", m->dir.at("top/b"));
         m->hotlist({"/", m->dir.at("top")});
-        m->row(1)->setExpanded(true);
+        m->expand(m->row(1));
         QCOMPARE(m->labels(m->row(1)), std::string(".hidden a b link"));
     }
 
@@ -76,7 +110,7 @@ private Q_SLOTS:
         m->dir.dir("top/.hidden");
         m->dir.dir("top/b");
         m->hotlist({m->dir.at("top")});
-        m->row(0)->setExpanded(true);
+        m->expand(m->row(0));
         QCOMPARE(m->labels(m->row(0)), std::string("b"));
     }
 
@@ -86,7 +120,7 @@ private Q_SLOTS:
         for (const char *name : {"top/c", "top/a", "top/b"})
             m->dir.dir(name);
         m->hotlist({m->dir.at("top")});
-        m->row(0)->setExpanded(true);
+        m->expand(m->row(0));
         QCOMPARE(m->row(0)->childCount(), 3);
         QVERIFY(x_add_item(m->tree, m->row(0), "a", false)); // refused only when sorted
         QCOMPARE(m->row(3, m->row(0))->name, std::string("a"));
@@ -96,7 +130,7 @@ private Q_SLOTS:
     {
         m->dir.dir("top/b");
         m->hotlist({m->dir.at("top")});
-        m->row(0)->setExpanded(true);
+        m->expand(m->row(0));
         QVERIFY(!x_add_item(m->tree, m->row(0), "b", true));
         QVERIFY(x_add_item(m->tree, m->row(0), "a", true));
         QVERIFY(x_add_item(m->tree, m->row(0), "c", true));
@@ -136,7 +170,7 @@ private Q_SLOTS:
             return m->row(row)->data(0, Qt::DecorationRole).value<QIcon>().pixmap(16).toImage();
         };
         const QImage closed = image(0);
-        m->row(0)->setExpanded(true);
+        m->expand(m->row(0));
         QVERIFY(image(0) != closed);
         QVERIFY(image(1) != closed);
         QVERIFY(image(1) != image(0));
@@ -146,13 +180,13 @@ private Q_SLOTS:
     {
         m->dir.dir("top/a");
         m->hotlist({m->dir.at("top")});
-        m->row(0)->setExpanded(true);
+        m->expand(m->row(0));
         m->tree->setCurrentItem(m->row(0, m->row(0)));
         m->row(0)->setExpanded(false);
         QCOMPARE(m->row(0)->childCount(), 0);
         QCOMPARE(m->tree->current(), m->row(0)); // the cursor stays on a row
         m->dir.dir("top/b");
-        m->row(0)->setExpanded(true);
+        m->expand(m->row(0));
         QCOMPARE(m->labels(m->row(0)), std::string("a b"));
     }
 
@@ -160,9 +194,9 @@ private Q_SLOTS:
     {
         m->dir.dir("a/b/c");
         m->hotlist({m->dir.path(), "/"});
-        m->row(0)->setExpanded(true);
+        m->expand(m->row(0));
         TreeItem *a = m->row(0, m->row(0));
-        a->setExpanded(true);
+        m->expand(a);
         std::string path;
         QCOMPARE(x_get_fullpath(m->row(0, a), path), static_cast<int>(m->dir.at("a/b").size()));
         QCOMPARE(path, m->dir.at("a/b"));
@@ -227,15 +261,12 @@ private Q_SLOTS:
         m->double_click(m->row(0));
         QCOMPARE(std::string(tree_root()), m->dir.path());
         QCOMPARE(m->labels(), std::string(".. a"));
-        m->settle();
         m->double_click(m->row(1));
         QCOMPARE(std::string(tree_root()), m->dir.at("a"));
         QCOMPARE(tree_depth(), 2);
-        m->settle();
         m->double_click(m->row(0)); // ".."
         QCOMPARE(std::string(tree_root()), m->dir.path());
         QCOMPARE(tree_depth(), 1);
-        m->settle();
         m->double_click(m->row(0));
         QVERIFY(!tree_root());
         QCOMPARE(m->labels(), m->dir.path());
@@ -274,7 +305,7 @@ private Q_SLOTS:
         std::string path;
         x_enter_item(m->tree, m->row(0), path);
         QCOMPARE(tree_depth(), 1);
-        m->row(0)->setExpanded(true); // ".."
+        m->expand(m->row(0)); // ".."
         x_enter_item(m->tree, m->row_named("side", m->row(0)), path);
         QCOMPARE(std::string(tree_root()), m->dir.at("side"));
         QCOMPARE(tree_depth(), 1);
@@ -284,9 +315,11 @@ private Q_SLOTS:
     {
         m->dir.dir("a");
         tree_set_contents(m->tree, m->dir.path().c_str());
+        m->settle();
         QCOMPARE(m->labels(), std::string(".. a"));
         m->dir.dir("b");
         tree_set_contents(m->tree, m->dir.path().c_str());
+        m->settle();
         QCOMPARE(m->labels(), std::string(".. a"));
         tree_set_contents(m->tree, nullptr);
         QVERIFY(!tree_root());
@@ -295,9 +328,10 @@ private Q_SLOTS:
     void below_the_root_directory_every_level_shows_its_way_back()
     {
         tree_set_contents(m->tree, "/");
+        m->settle();
         QCOMPARE(m->row(0)->name, std::string(".."));
         TreeItem *tmp = m->row_named("tmp");
-        tmp->setExpanded(true);
+        m->expand(tmp);
         QCOMPARE(m->row(0, tmp)->name, std::string(".."));
         std::string path;
         x_get_fullpath(m->row(0, tmp), path);
@@ -308,6 +342,7 @@ private Q_SLOTS:
     {
         m->dir.dir("a");
         tree_set_contents(m->tree, m->dir.path().c_str());
+        m->settle();
         tree_add(m->tree, "/usr");
         QCOMPARE(m->labels(), std::string(".. a"));
         tree_set_contents(m->tree, nullptr);
@@ -321,7 +356,7 @@ private Q_SLOTS:
         gTreeHooks.context_menu = [](const QPoint &) { ++opened; };
         m->dir.dir("top/inner");
         m->hotlist({m->dir.at("top"), "/usr"});
-        m->row(0)->setExpanded(true);
+        m->expand(m->row(0));
         TreeItem *inner = m->row(0, m->row(0));
         const QPoint place = m->at(inner);
         QContextMenuEvent menu(QContextMenuEvent::Mouse, place,
@@ -381,7 +416,7 @@ private Q_SLOTS:
         for (int i = 0; i < 3000; ++i)
             m->dir.dir("top/d" + std::to_string(i));
         m->hotlist({m->dir.at("top")});
-        m->row(0)->setExpanded(true);
+        m->expand(m->row(0));
         m->settle();
         QCOMPARE(m->row(0)->childCount(), 3000);
         std::string before;
@@ -393,8 +428,7 @@ private Q_SLOTS:
 
     void a_hanging_directory_freezes_nothing()
     {
-        const TreeCalls before = gTreeCalls;
-        gTreeCalls = {slow_has_subdirectories, slow_open};
+        const Calls calls({slow_has_subdirectories, slow_open});
         sHang = true;
         m->dir.dir("hang/inner");
         m->dir.dir("quick/inner");
@@ -404,22 +438,23 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitFor([this] { return m->row(1)->look == TreeLook::Expandable; }));
         QCOMPARE(m->row(0)->look, TreeLook::Unknown);
         m->row(1)->setExpanded(true);
+        QTRY_COMPARE(m->row(1)->childCount(), 1);
         QCOMPARE(m->labels(m->row(1)), std::string("inner"));
         m->row(0)->setChildIndicatorPolicy(QTreeWidgetItem::ShowIndicator);
         m->row(0)->setExpanded(true); // gives up waiting and goes on
         QCOMPARE(m->row(0)->childCount(), 0);
         QVERIFY(!wblock_is_blocked(gBase));
+        m->click(m->row(1)); // and everything else works
+        QCOMPARE(gDir.path, m->dir.at("quick"));
         sHang = false;
         QVERIFY(QTest::qWaitFor([this] { return m->row(0)->childCount() == 1; }));
         m->settle();
         QTRY_COMPARE(sHanging.load(), 0);
-        gTreeCalls = before;
     }
 
     void a_row_may_go_while_its_level_is_being_read()
     {
-        const TreeCalls before = gTreeCalls;
-        gTreeCalls = {slow_has_subdirectories, slow_open};
+        const Calls calls({slow_has_subdirectories, slow_open});
         m->dir.dir("hang/inner");
         sHang = true;
         m->hotlist_unsettled({m->dir.at("hang"), "/usr"});
@@ -430,7 +465,161 @@ private Q_SLOTS:
         QTRY_COMPARE(sHanging.load(), 0);
         m->settle();
         QCOMPARE(m->labels(), std::string("/usr"));
-        gTreeCalls = before;
+    }
+
+    void rows_found_before_a_disk_hangs_are_shown()
+    {
+        for (const char *name : {"top/a", "top/b", "top/c"})
+            m->dir.dir(name);
+        m->hotlist({m->dir.at("top")});
+        const Calls calls({later_slow_has_subdirectories, opendir});
+        sHangAfter = 2;
+        m->row(0)->setExpanded(true);
+        QTRY_COMPARE(m->row(0)->childCount(), 2);
+        QVERIFY(tree_level_is_reading());
+        m->row(0)->setExpanded(false); // nobody waits for the third
+        QVERIFY(!tree_level_is_reading());
+        QCOMPARE(m->row(0)->childCount(), 0);
+    }
+
+    void a_level_that_comes_in_pieces_is_in_order_data()
+    {
+        QTest::addColumn<bool>("sorted");
+        QTest::newRow("by name") << true;
+        QTest::newRow("as the disk has them") << false;
+    }
+    void a_level_that_comes_in_pieces_is_in_order()
+    {
+        QFETCH(bool, sorted);
+        if (!sorted)
+            gOptions &= ~OPTION_TREE_SORTED;
+        for (int i = 0; i < 4000; ++i)
+            m->dir.dir("top/d" + std::to_string(i));
+        m->hotlist({m->dir.at("top")});
+        const Calls calls({later_slow_has_subdirectories, opendir});
+        sHangAfter = 1500;
+        m->row(0)->setExpanded(true);
+        QTRY_COMPARE(m->row(0)->childCount(), 1500);
+        sHangAfter = 2500;
+        QTRY_COMPARE(m->row(0)->childCount(), 2500);
+        sHangAfter = 3500; // so long a level gets the rest at its end
+        QTRY_COMPARE(sAsked.load(), 3501);
+        QCOMPARE(m->row(0)->childCount(), 2500);
+        sHangAfter = INT_MAX;
+        m->settle();
+        QCOMPARE(m->row(0)->childCount(), 4000);
+        std::set<std::string> names;
+        for (int i = 0; i < 4000; ++i) {
+            const std::string &name = m->row(i, m->row(0))->name;
+            QVERIFY(!sorted || names.empty() || *names.rbegin() < name);
+            names.insert(name);
+        }
+        QCOMPARE(names.size(), size_t(4000));
+    }
+
+    void a_root_that_cannot_be_read_still_leads_back()
+    {
+        m->hotlist({"/usr", "/etc"});
+        m->tree->setCurrentItem(m->row(1));
+        tree_set_contents(m->tree, m->dir.at("gone").c_str());
+        m->settle();
+        QCOMPARE(m->labels(), std::string(".."));
+        std::string path;
+        x_enter_item(m->tree, m->row(0), path);
+        QVERIFY(!tree_root());
+        QCOMPARE(m->labels(), std::string("/usr /etc"));
+    }
+
+    void a_root_that_hangs_can_be_left_by_keys()
+    {
+        m->dir.dir("hang/inner");
+        m->hotlist({m->dir.at("hang")});
+        const Calls calls({slow_has_subdirectories, slow_open});
+        sHang = true;
+        m->tree->setFocus();
+        m->tree->setCurrentItem(m->row(0));
+        QTest::keyClick(m->tree, Qt::Key_Return, Qt::ControlModifier);
+        QCOMPARE(std::string(tree_root()), m->dir.at("hang"));
+        QCOMPARE(m->tree->current(), m->row(0)); // ".."
+        QTest::keyClick(m->tree, Qt::Key_Return, Qt::ControlModifier);
+        QVERIFY(!tree_root());
+        QCOMPARE(m->labels(), m->dir.at("hang"));
+    }
+
+    void the_cursor_comes_back_to_the_row_that_was_entered()
+    {
+        m->dir.dir("a/b/c");
+        m->hotlist({"/usr", m->dir.path()});
+        m->tree->setFocus();
+        m->tree->setCurrentItem(m->row(1));
+        for (int depth = 1; depth <= 2; ++depth) {
+            QTest::keyClick(m->tree, Qt::Key_Return, Qt::ControlModifier);
+            m->settle();
+            QCOMPARE(tree_depth(), depth);
+            QTest::keyClick(m->tree, Qt::Key_Down); // from ".." on to "a"
+        }
+        QTest::keyClick(m->tree, Qt::Key_Home);
+        QTest::keyClick(m->tree, Qt::Key_Return, Qt::ControlModifier);
+        m->settle();
+        QCOMPARE(std::string(tree_root()), m->dir.path());
+        QTest::keyClick(m->tree, Qt::Key_Home);
+        QTest::keyClick(m->tree, Qt::Key_Return, Qt::ControlModifier);
+        QVERIFY(!tree_root());
+        QCOMPARE(m->tree->current(), m->row(1));
+        QVERIFY(m->tree->hasFocus());
+    }
+
+    void sorting_keeps_the_cursor_on_its_path()
+    {
+        m->hotlist({"/usr", "/etc"});
+        m->tree->setCurrentItem(m->row(0));
+        tree_sort(m->tree);
+        QCOMPARE(m->tree->current(), m->row(1));
+    }
+
+    void a_hotlist_file_of_rubbish_is_shown_line_by_line()
+    {
+        std::string text = std::string("/usr\r\n/a\0b\nrelative\n<b>x</b>\n\x1b[31m\xff\n", 36) +
+                           std::string(1000000, 'x') + "\n/usr\r\n";
+        m->dir.text("hotlist.001", text);
+        tree_load(m->tree, m->dir.path().c_str(), "hotlist.001");
+        m->settle();
+        // The long line is 976 full pieces, all alike, and a shorter one.
+        QCOMPARE(m->tree->topLevelItemCount(), 7);
+        QCOMPARE(m->row(0)->name, std::string("/usr\r"));
+        QCOMPARE(m->row(1)->name, std::string("/a"));
+        QCOMPARE(m->row(3)->text(0), QStringLiteral("<b>x</b>"));
+        QCOMPARE(m->row(5)->name, std::string(1024, 'x'));
+        for (int i = 0; i < 7; ++i) {
+            QCOMPARE(m->row(i)->look, TreeLook::Unreadable);
+            auto seen = test::boxes_answer_next(QStringLiteral("&Continue"));
+            m->click(m->row(i));
+            QVERIFY(seen->came);
+            QCOMPARE(gDir.path, m->dir.path());
+        }
+    }
+
+    void a_hundred_thousand_rows_are_shown_and_changed()
+    {
+        std::vector<std::string> paths;
+        for (int i = 0; i < 100000; ++i)
+            paths.push_back("/no/such/" + std::to_string(i));
+        tree_set_paths(paths);
+        tree_build(m->tree);
+        QCOMPARE(m->tree->topLevelItemCount(), 100000);
+        QCOMPARE(tree_add(m->tree, "/usr"), 0);
+        tree_remove(m->tree, "/no/such/5");
+        QCOMPARE(m->tree->topLevelItemCount(), 100000);
+        QCOMPARE(m->row(99999)->name, std::string("/usr"));
+        QTRY_COMPARE(m->row(0)->look, TreeLook::Unreadable);
+    }
+
+    void a_directory_that_cannot_be_read_shows_as_a_file()
+    {
+        m->dir.dir("closed/inner");
+        const Calls calls({[](const char *, const char *, unsigned) { return -1; }, opendir});
+        m->hotlist({m->dir.at("closed")});
+        QCOMPARE(m->row(0)->look, TreeLook::Unreadable);
     }
 
     void dropping_beside_another_row_reorders_the_hotlist()
@@ -453,18 +642,31 @@ private Q_SLOTS:
     {
         m->dir.dir("top/inner");
         m->hotlist({"/usr", m->dir.at("top")});
-        m->row(1)->setExpanded(true);
+        m->expand(m->row(1));
         tree_input_cb(m->tree, m->row(1));
         tree_dnd_cb(m->tree, m->row(0), false);
         QVERIFY(m->row(0)->isExpanded());
         QCOMPARE(m->labels(m->row(0)), std::string("inner"));
     }
 
+    void a_moved_row_keeps_the_levels_below_it()
+    {
+        m->dir.dir("top/inner/deep");
+        m->hotlist({"/usr", m->dir.at("top")});
+        m->expand(m->row(1));
+        m->expand(m->row(0, m->row(1)));
+        tree_input_cb(m->tree, m->row(1));
+        tree_dnd_cb(m->tree, m->row(0), false);
+        TreeItem *inner = m->row(0, m->row(0));
+        QVERIFY(inner->isExpanded());
+        QCOMPARE(m->labels(inner), std::string("deep"));
+    }
+
     void a_drop_below_the_top_level_changes_nothing()
     {
         m->dir.dir("top/inner");
         m->hotlist({"/usr", m->dir.at("top")});
-        m->row(1)->setExpanded(true);
+        m->expand(m->row(1));
         tree_input_cb(m->tree, m->row(0));
         tree_dnd_cb(m->tree, m->row(0, m->row(1)), true);
         QCOMPARE(gTree.paths, (std::vector<std::string>{"/usr", m->dir.at("top")}));
@@ -479,6 +681,7 @@ private Q_SLOTS:
         m->dir.dir("b");
         tree_set_paths({"/usr"});
         tree_set_contents(m->tree, m->dir.path().c_str());
+        m->settle();
         tree_input_cb(m->tree, m->row(2));
         QCOMPARE(tree_outbound_cb(m->tree), -1);
         tree_dnd_cb(m->tree, m->row(1), false);

@@ -22,6 +22,7 @@
 #include "views/tb.h"
 #include "views/tb_box.h"
 #include "views/tree.h"
+#include "views/tree_level.h"
 #include "views/vm.h"
 
 #include <QApplication>
@@ -71,7 +72,8 @@ struct WaysWindow {
         gTbHooks = {ways_pressed, ways_pressed, ways_pressed, ways_pressed,
                     ways_pressed, ways_pressed, ways_pressed};
         gFlHooks = {};
-        gFlHooks.status_update = status_bar_update;
+        gFlHooks.status_update = ways_notify;
+        gFlHooks.history_changed = tb_update;
         gDirHooks = {};
         gDir.filespec = "*";
         tb_setup();
@@ -134,10 +136,16 @@ struct WaysWindow {
     {
         QVERIFY(QTest::qWaitFor([this] { return is_settled(nullptr); }, 10000));
     }
+    // Expands a row and waits for its level.
+    void expand(TreeItem *item)
+    {
+        item->setExpanded(true);
+        settle();
+    }
     bool is_settled(TreeItem *item)
     {
         QTreeWidgetItem *level = item ? item : tree->invisibleRootItem();
-        if (item && (item->probe || item->level))
+        if (item ? item->probe || item->level : tree_level_is_reading())
             return false;
         for (int i = 0; i < level->childCount(); ++i)
             if (!is_settled(static_cast<TreeItem *>(level->child(i))))
@@ -183,6 +191,7 @@ struct WaysWindow {
     {
         click(item);
         QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, at(item));
+        settle();
     }
     QString left() const { return status1->text(); }
     QString right() const { return status2->text(); }
