@@ -141,8 +141,17 @@ shot() { import -silent -window root "$1"; }
 look() { /usr/bin/python3 "$desktop_dir/look.py" "${1:-$tav_pid}"; }
 look_has() { look | grep -F -- "$1" >/dev/null; } # reads on to the end, or look would be cut off
 
-# place_of NAME: where the first thing of that name is, as "X Y" (needs desktop_bus).
-place_of() { /usr/bin/python3 "$desktop_dir/look.py" "$tav_pid" "$1"; }
+# place_of NAME...: where the first thing of that name is, as "X Y"; each further name is sought in what the
+# one before it names (needs desktop_bus).
+place_of() { /usr/bin/python3 "$desktop_dir/look.py" "$tav_pid" "$@"; }
+
+# click_on NAME...: a click there.
+click_on() {
+    local place
+    place=$(place_of "$@") || fail "nothing to click on: $*"
+    # shellcheck disable=SC2086 # two numbers
+    xdotool mousemove $place click 1
+}
 
 # tav_geometry: "WIDTHxHEIGHT+X+Y" of the window's inside.
 tav_geometry() {

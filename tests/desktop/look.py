@@ -2,7 +2,8 @@
 """Prints what assistive technology sees of a running program: one line per visible widget, indented by
 depth: ROLE "NAME" ["TEXT"] [STATES]. Usage: look.py PID
 
-With a name behind it: where the middle of the first thing of that name is on the screen, as "X Y"."""
+With names behind it: where the middle of the first thing of that name is on the screen, as "X Y"; each
+further name is sought in what the one before it names."""
 
 import sys
 
@@ -49,10 +50,12 @@ def find(node, name):
     return None
 
 
-def show_place(application, name):
-    node = find(application, name)
-    if node is None:
-        return 1
+def show_place(application, names):
+    node = application
+    for name in names:
+        node = find(node, name)
+        if node is None:
+            return 1
     box = node.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
     print(box.x + box.width // 2, box.y + box.height // 2)
     return 0
@@ -64,7 +67,7 @@ def main():
     for application in desktop:
         if application is not None and application.get_process_id() == pid:
             if len(sys.argv) > 2:
-                return show_place(application, sys.argv[2])
+                return show_place(application, sys.argv[2:])
             show(application, 0)
             return 0
     return 1
