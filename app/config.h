@@ -67,6 +67,7 @@ static_assert(offsetof(Config, save_on_exit) == 4660);
 static_assert(offsetof(Config, hotlist_shown) == 4664);
 
 // Bits of gOptions.
+constexpr uint32_t OPTION_MENU_BUILD = 0x1;      // cascades of directories are built ahead
 constexpr uint32_t OPTION_MENU_DOT = 0x4;        // menus built from directories list dot entries
 constexpr uint32_t OPTION_COMPLETE = 0x10;       // the path box completes what is typed
 constexpr uint32_t OPTION_COLOUR = 0x20;         // the path box colours web addresses

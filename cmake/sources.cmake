@@ -8,7 +8,7 @@ file(GLOB TAV_CORE_SOURCES ${_glob}
     fileops/fop*.cpp fileops/alloc.cpp
     commands/as*.cpp commands/misc*.cpp commands/pipe.cpp commands/quote*.cpp
     commands/transf*.cpp commands/uri*.cpp commands/clip_x11.cpp
-    commands/dtm_scan.cpp
+    commands/dtm_scan.cpp commands/ca_scan.cpp
     views/history.cpp views/tree_hotlist.cpp views/tree_file.cpp views/tree_merge.cpp
     views/tree_jobs.cpp views/prop_apply.cpp views/prop_gather.cpp app/ac.cpp app/kb*.cpp platform/ini.cpp
     platform/replace_file.cpp platform/child.cpp platform/namesake.cpp platform/stop_watch.cpp platform/worker.cpp)
