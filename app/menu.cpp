@@ -2,6 +2,8 @@
 // their own (QShortcut), which call the row's handler whatever the menu last showed.
 #include "app/menu.h"
 
+#include "commands/dtm_menu.h"
+
 #include <QHash>
 #include <QPointer>
 #include <QShortcut>
@@ -76,17 +78,29 @@ QAction *x_add_row(QMenu *menu, const MenuRow &row, QWidget *window, bool keys)
     return action;
 }
 
-// A function row: an invisible action holds the place; what the row adds goes when the menu opens
-// again.
+// What the function row at that place has added.
+QList<QAction *> x_populated(const QMenu *menu, const QAction *place)
+{
+    QList<QAction *> actions;
+    for (QAction *action : menu->actions())
+        if (action->property(sPopulated).value<void *>() == place)
+            actions.append(action);
+    return actions;
+}
+
+// A function row: an invisible action holds the place; what the row adds goes when the menu has
+// closed, after the chosen one has run.
 void x_add_function(QMenu *menu, const MenuRow &row)
 {
     QAction *place = menu->addSeparator();
     place->setObjectName(QLatin1String(row.name));
     place->setVisible(false);
+    QObject::connect(menu, &QMenu::aboutToHide, place, [menu, place] {
+        for (QAction *action : x_populated(menu, place))
+            action->deleteLater();
+    });
     QObject::connect(menu, &QMenu::aboutToShow, place, [menu, place, populate = row.populate] {
-        for (QAction *action : menu->actions())
-            if (action->property(sPopulated).value<void *>() == place)
-                delete action;
+        qDeleteAll(x_populated(menu, place));
         const QList<QAction *> before = menu->actions();
         populate(menu, place);
         for (QAction *action : menu->actions())
@@ -95,12 +109,25 @@ void x_add_function(QMenu *menu, const MenuRow &row)
     });
 }
 
-// Runs the setup when the menu opens; afterwards nothing stays dimmed.
+QList<QAction *> x_all_rows(const QMenu *menu)
+{
+    QList<QAction *> rows = menu->actions();
+    for (const QAction *row : menu->actions())
+        if (row->menu() != nullptr)
+            rows += x_all_rows(row->menu());
+    return rows;
+}
+
+// Runs the setup when the menu opens; once it is closed nothing stays dimmed.
 void x_connect_setup(QMenu *menu, int (*setup)(QMenu *))
 {
     if (setup == nullptr)
         return;
     QObject::connect(menu, &QMenu::aboutToShow, menu, [menu, setup] { setup(menu); });
+    QObject::connect(menu, &QMenu::aboutToHide, menu, [rows = x_all_rows(menu)] {
+        for (QAction *row : rows)
+            row->setEnabled(true);
+    });
 }
 
 } // namespace
@@ -144,7 +171,8 @@ void menu_fill(QMenu *menu, const MenuRow *rows, QWidget *window, bool keys)
 
 QMenu *menu_create(const MenuTable &table, QWidget *window, bool keys)
 {
-    auto *menu = new QMenu(QString::fromUtf8(table.title), window);
+    auto *menu = new DtmMenu(window); // its function row may add directories
+    menu->setTitle(QString::fromUtf8(table.title));
     menu->setObjectName(QLatin1String(table.name));
     menu_fill(menu, table.rows, window, keys);
     x_connect_setup(menu, table.setup);

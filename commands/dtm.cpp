@@ -11,6 +11,8 @@
 #include <QCoreApplication>
 #include <QPointer>
 #include <QTimer>
+#include <map>
+#include <new>
 
 namespace tav {
 
@@ -32,6 +34,9 @@ struct Waiting {
     QPointer<DirMenuItem> item;
 };
 
+// The items whose scans are under way or done.
+QList<Waiting> sWaiting;
+
 QMenu *x_menu_of(const DirMenuItem &item) { return qobject_cast<QMenu *>(item.parent()); }
 
 void x_repaint(const DirMenuItem &item)
@@ -40,21 +45,23 @@ void x_repaint(const DirMenuItem &item)
         menu->update();
 }
 
-DirMenuItem *x_new_item(QMenu *menu, const std::string &path, std::string_view label,
-                        unsigned flags, DtmAction action)
+// Throws when there is no room for it.
+std::unique_ptr<DirMenuItem> x_new_item(QMenu *menu, const std::string &path,
+                                        std::string_view label, unsigned flags, DtmAction action)
 {
-    auto *item = new DirMenuItem(menu);
+    auto made = std::make_unique<DirMenuItem>(menu);
     std::string text(label);
     if (text.empty() || text.back() != '/')
         text += '/';
-    item->setText(shown_label(text));
-    item->setData(shown_text(text)); // what letters are compared with
-    item->path = path;
-    item->flags = flags & ~DTM_EXAMINE;
-    item->action = action;
+    made->setText(shown_label(text));
+    made->setData(shown_text(text)); // what letters are compared with
+    made->path = path;
+    made->flags = flags & ~DTM_EXAMINE;
+    made->action = action;
+    DirMenuItem *item = made.get();
     QObject::connect(item, &QAction::triggered, item, [item] { item->choose(); });
     QObject::connect(item, &QAction::hovered, item, [item] { item->arm(); });
-    return item;
+    return made;
 }
 
 // The directory has no subdirectories, or none that anybody may see: the item is a plain one.
@@ -110,6 +117,25 @@ void x_show_states(DirMenuItem &item)
         item.submenu->update();
 }
 
+// Adds items up to that one; false after a failure, of which the user is told.
+bool x_fill_to(DirMenuItem &item, QMenu *menu, const std::vector<std::string> &names, size_t end)
+{
+    QList<QAction *> actions;
+    auto i = static_cast<size_t>(item.items.size());
+    try {
+        for (; i < end; i++) {
+            const std::string path = dtm_join(item.path, names[i]);
+            actions.append(x_new_item(menu, path, names[i], item.flags, item.action).release());
+            item.items.append(static_cast<DirMenuItem *>(actions.last()));
+        }
+    } catch (const std::bad_alloc &) {
+        dtm_errinfo("Add Item",
+                    QStringLiteral("Can't add item '%1' into the menu").arg(shown_text(names[i])));
+    }
+    menu->addActions(actions);
+    return i == end;
+}
+
 void x_fill(const std::shared_ptr<Filling> &filling)
 {
     DirMenuItem *item = filling->item;
@@ -118,16 +144,8 @@ void x_fill(const std::shared_ptr<Filling> &filling)
         return;
     }
     const std::vector<std::string> &names = filling->scan->names;
-    const auto from = static_cast<size_t>(item->items.size());
-    const size_t end = std::min(names.size(), from + FILL_TURN);
-    QList<QAction *> actions;
-    for (size_t i = from; i < end; i++) {
-        item->items.append(x_new_item(filling->menu, dtm_join(item->path, names[i]), names[i],
-                                      item->flags, item->action));
-        actions.append(item->items.last());
-    }
-    filling->menu->addActions(actions);
-    if (end < names.size()) {
+    const size_t end = std::min(names.size(), static_cast<size_t>(item->items.size()) + FILL_TURN);
+    if (x_fill_to(*item, filling->menu, names, end) && end < names.size()) {
         QTimer::singleShot(0, item, [filling] { x_fill(filling); });
         return;
     }
@@ -135,8 +153,37 @@ void x_fill(const std::shared_ptr<Filling> &filling)
     x_show_states(*item);
 }
 
+void x_open(DirMenuItem &item);
+
+// The submenu is shown for the first time, or again after that has failed.
+void x_await_opening(DirMenuItem &item)
+{
+    QObject::connect(
+        item.submenu, &QMenu::aboutToShow, &item, [&item] { x_open(item); },
+        Qt::SingleShotConnection);
+}
+
+void x_forget_scan(const std::shared_ptr<DtmScan> &scan)
+{
+    sWaiting.removeIf([&scan](const Waiting &waiting) { return waiting.scan == scan; });
+}
+
+// The scan came to nothing: the next time that the submenu is shown it is tried again.
+void x_give_up(DirMenuItem &item, const char *title, const QString &text)
+{
+    x_forget_scan(item.scan);
+    item.scan.reset();
+    if (item.submenu)
+        x_await_opening(item);
+    dtm_errinfo(title, text);
+}
+
 void x_listed(DirMenuItem &item, const std::shared_ptr<DtmScan> &scan)
 {
+    if (scan->no_memory) {
+        x_give_up(item, "Memory Allocation", QStringLiteral("Not enough memory!"));
+        return;
+    }
     if (scan->names.empty()) { // a directory that refuses or is gone has nothing to show either
         x_make_plain(item);
         return;
@@ -147,9 +194,6 @@ void x_listed(DirMenuItem &item, const std::shared_ptr<DtmScan> &scan)
     filling->menu = new DtmMenu(item.submenu ? item.submenu->parentWidget() : nullptr);
     x_fill(filling);
 }
-
-// The items whose scans are under way or done.
-QList<Waiting> sWaiting;
 
 DirMenuItem *x_waiting(const std::shared_ptr<DtmScan> &scan)
 {
@@ -193,20 +237,12 @@ std::shared_ptr<DtmScan> x_new_scan(DirMenuItem &item)
     return scan;
 }
 
-void x_forget_scan(const std::shared_ptr<DtmScan> &scan)
-{
-    sWaiting.removeIf([&scan](const Waiting &waiting) { return waiting.scan == scan; });
-}
-
-// The submenu is about to be shown for the first time.
 void x_open(DirMenuItem &item)
 {
     const std::shared_ptr<DtmScan> scan = x_new_scan(item);
     if (worker_start([scan] { dtm_scan_run(scan, sReport); }) == 0)
         return;
-    x_forget_scan(scan);
-    item.scan.reset();
-    dtm_errinfo("Directory Scanning", QStringLiteral("Unable to start scanning procedure!"));
+    x_give_up(item, "Directory Scanning", QStringLiteral("Unable to start scanning procedure!"));
 }
 
 void x_set_examined(DirMenuItem &item, DtmState state)
@@ -221,20 +257,36 @@ void x_set_examined(DirMenuItem &item, DtmState state)
     x_repaint(item);
 }
 
+// The items that wait for the examination of one directory: however often its item is made, one
+// that hangs keeps no more than one worker.
+std::map<std::pair<std::string, unsigned>, QList<QPointer<DirMenuItem>>> sExamining;
+
+void x_examined_as(const std::pair<std::string, unsigned> &directory, DtmState state)
+{
+    const auto waiting = sExamining.extract(directory);
+    if (!waiting)
+        return;
+    for (const QPointer<DirMenuItem> &item : waiting.mapped())
+        if (item)
+            x_set_examined(*item, state);
+}
+
 // Finds out whether an item shows an arrow, without opening it.
 void x_examine(DirMenuItem &item)
 {
-    const QPointer<DirMenuItem> weak(&item);
-    auto work = [weak, path = item.path, flags = item.flags] {
-        const auto state =
-            dtm_is_subdirs(path.c_str(), flags) ? DtmState::cascade : DtmState::plain;
-        ui_post([weak, state] {
-            if (DirMenuItem *there = weak.data())
-                x_set_examined(*there, state);
-        });
+    const std::pair directory(item.path, item.flags);
+    const auto [place, first] = sExamining.try_emplace(directory);
+    place->second.removeAll(nullptr);
+    place->second.append(&item);
+    if (!first)
+        return;
+    auto work = [directory] {
+        const bool any = dtm_is_subdirs(directory.first.c_str(), directory.second);
+        const DtmState state = any ? DtmState::cascade : DtmState::plain;
+        ui_post([directory, state] { x_examined_as(directory, state); });
     };
     if (worker_start(work) != 0)
-        x_set_examined(item, DtmState::cascade);
+        x_examined_as(directory, DtmState::cascade);
 }
 
 } // namespace
@@ -254,8 +306,7 @@ void DirMenuItem::arm()
     submenu = new DtmMenu(x_menu_of(*this));
     placeholder = submenu->addAction(QStringLiteral("Scanning..."));
     placeholder->setEnabled(false);
-    QObject::connect(
-        submenu, &QMenu::aboutToShow, this, [this] { x_open(*this); }, Qt::SingleShotConnection);
+    x_await_opening(*this);
     setMenu(submenu);
 }
 
@@ -268,19 +319,23 @@ void DirMenuItem::choose()
 DirMenuItem *dtm_add_item(QMenu *menu, const std::string &path, std::string_view label,
                           unsigned flags, DtmAction action)
 {
-    DirMenuItem *item = x_new_item(menu, path, label, flags, action);
-    menu->addAction(item);
-    dtm_menu_attend(menu);
-    if (flags & DTM_EXAMINE)
-        x_examine(*item);
-    return item;
+    try {
+        DirMenuItem *item = x_new_item(menu, path, label, flags, action).release();
+        menu->addAction(item);
+        dtm_menu_attend(menu);
+        if (flags & DTM_EXAMINE)
+            x_examine(*item);
+        return item;
+    } catch (const std::bad_alloc &) {
+        return nullptr;
+    }
 }
 
 void dtm_insert_item(QMenu *menu, QAction *before, const std::string &path, unsigned flags,
                      int (*action)(const char *path))
 {
     DirMenuItem *item = dtm_add_item(menu, path, path, flags, action);
-    if (before)
+    if (item && before)
         menu->insertAction(before, item); // moves it
 }
 

@@ -33,7 +33,7 @@ struct DirMenuItem : DtmAnyItem {
 
 // Adds an item for the directory to the end of the menu: the label with "/" behind it unless it
 // ends in one. With DTM_EXAMINE a worker finds out at once whether it shows an arrow; until then it
-// is grey.
+// is grey. Null when there is no room for it.
 DirMenuItem *dtm_add_item(QMenu *menu, const std::string &path, std::string_view label,
                           unsigned flags, DtmAction action);
 

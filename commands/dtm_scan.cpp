@@ -7,9 +7,12 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <iterator>
+#include <new>
 #include <sys/stat.h>
 
 namespace tav {
+
+DIR *(*gDtmOpendir)(const char *path) = opendir;
 
 namespace {
 
@@ -61,20 +64,40 @@ bool x_number_less(const std::string &a, const std::string &b)
     return order != 0 ? order < 0 : a < b;
 }
 
+DtmState x_state(const std::string &path, unsigned flags)
+{
+    return dtm_is_subdirs(path.c_str(), flags) ? DtmState::cascade : DtmState::plain;
+}
+
+// Finds out what each name is; without room for their paths the rest stays unknown.
 void x_examine(const std::shared_ptr<DtmScan> &scan, const DtmScanReport &report)
 {
     auto last = std::chrono::steady_clock::now();
-    for (size_t i = 0; i < scan->names.size() && !scan->cancel; i++) {
-        const std::string path = dtm_join(scan->path, scan->names[i]);
-        scan->states[i] =
-            dtm_is_subdirs(path.c_str(), scan->flags) ? DtmState::cascade : DtmState::plain;
-        const auto now = std::chrono::steady_clock::now();
-        if (now - last < std::chrono::milliseconds(DTM_REPORT_MS))
-            continue;
-        last = now;
-        report.examined(scan);
+    try {
+        for (size_t i = 0; i < scan->names.size() && !scan->cancel; i++) {
+            scan->states[i] = x_state(dtm_join(scan->path, scan->names[i]), scan->flags);
+            const auto now = std::chrono::steady_clock::now();
+            if (now - last < std::chrono::milliseconds(DTM_REPORT_MS))
+                continue;
+            last = now;
+            report.examined(scan);
+        }
+    } catch (const std::bad_alloc &) {
+        // what was not looked at stays grey
     }
     report.examined(scan);
+}
+
+// Lists the directory and makes room for what will be known of each name.
+void x_list(DtmScan &scan)
+{
+    try {
+        scan.failed = dtm_dir_scan(scan.path.c_str(), scan.flags, scan.cancel, scan.names) != 0;
+        scan.states = std::make_unique<std::atomic<DtmState>[]>(scan.names.size());
+    } catch (const std::bad_alloc &) {
+        scan.failed = scan.no_memory = true;
+        scan.names.clear();
+    }
 }
 
 } // namespace
@@ -102,7 +125,7 @@ void dtm_sort(std::vector<std::string> &names)
 
 bool dtm_is_subdirs(const char *path, unsigned flags)
 {
-    const Dir dir(opendir(path));
+    const Dir dir(gDtmOpendir(path));
     return dir && x_next(dir.get(), flags, nullptr) != nullptr;
 }
 
@@ -110,7 +133,7 @@ int dtm_dir_scan(const char *path, unsigned flags, const std::atomic<bool> &canc
                  std::vector<std::string> &names)
 {
     names.clear();
-    const Dir dir(opendir(path));
+    const Dir dir(gDtmOpendir(path));
     if (!dir)
         return -1;
     while (const dirent *entry = x_next(dir.get(), flags, &cancel))
@@ -126,9 +149,8 @@ int dtm_dir_scan(const char *path, unsigned flags, const std::atomic<bool> &canc
 void dtm_scan_run(const std::shared_ptr<DtmScan> &scan, const DtmScanReport &report)
 {
     scan->started = true;
-    scan->failed = dtm_dir_scan(scan->path.c_str(), scan->flags, scan->cancel, scan->names) != 0;
+    x_list(*scan);
     if (!scan->cancel) {
-        scan->states = std::make_unique<std::atomic<DtmState>[]>(scan->names.size());
         report.listed(scan);
         x_examine(scan, report);
     }

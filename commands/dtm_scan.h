@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <dirent.h>
 #include <memory>
 #include <string>
 #include <vector>
@@ -29,11 +30,15 @@ struct DtmScan {
     std::atomic<bool> cancel{false};   // the main thread asks the worker to stop
     std::atomic<bool> started{false};  // the worker has begun
     std::atomic<bool> finished{false}; // the worker touches nothing any more
-    bool failed = false; // the directory could not be read; set before names are handed over
+    bool failed = false;    // the directory could not be read; set before names are handed over
+    bool no_memory = false; // there was no room for the names; likewise
     std::vector<std::string> names; // its subdirectories, sorted; fixed before they are handed over
     std::unique_ptr<std::atomic<DtmState>[]>
         states; // one per name, made with them; the worker fills it
 };
+
+// What opens a directory; tests put one in its place that hangs or refuses.
+extern DIR *(*gDtmOpendir)(const char *path);
 
 // What the worker tells; both are called on it. May be null.
 struct DtmScanReport {

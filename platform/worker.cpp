@@ -9,6 +9,8 @@
 
 namespace tav {
 
+decltype(&pthread_create) gWorkerCreate = pthread_create;
+
 namespace {
 
 std::atomic<int> sCount{0};
@@ -35,7 +37,7 @@ int x_create(std::function<void()> *work)
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before);
     pthread_t thread;
-    const int error = pthread_create(&thread, &attributes, x_run, work);
+    const int error = gWorkerCreate(&thread, &attributes, x_run, work);
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     pthread_attr_destroy(&attributes);
     return error;

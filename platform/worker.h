@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <pthread.h>
 
 namespace tav {
 
@@ -9,6 +10,9 @@ constexpr size_t WORKER_STACK_SIZE = 65536; // bytes, in ordinary builds
 
 // Runs work on a detached thread that sees no signal. 0, or -1 with errno when it cannot start.
 int worker_start(std::function<void()> work);
+
+// What makes the thread; tests put one in its place that refuses.
+extern decltype(&pthread_create) gWorkerCreate;
 
 // How many of them have not ended yet; for tests.
 int worker_count();
