@@ -24,6 +24,7 @@ void x_set(QLineEdit *field, const std::string &bytes)
 {
     const QString shown = shown_text(bytes);
     field->setText(shown);
+    field->setCursorPosition(0); // a long command shows its program
     field->setProperty(FIELD_BYTES, QByteArray::fromStdString(bytes));
     field->setProperty(FIELD_SHOWN, field->text());
 }

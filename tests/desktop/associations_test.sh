@@ -1,0 +1,99 @@
+#!/usr/bin/env bash
+# The two dialogs of the associations in a real window, by mouse and by key, and what they write.
+# shellcheck source=tests/desktop/lib.sh
+source "$(dirname "$0")/lib.sh"
+
+file() { echo "$HOME/.ph/tav/associate.003"; }
+header='# <pattern[|pattern[..]]> \t <open_command> \t <view_command> \t <edit command>'
+window_named() { xdotool search --onlyvisible --name "^$1\$"; }
+no_window_named() { ! window_named "$1"; }
+has_row() { look_has "table cell \"$1\""; }
+has_no_row() { ! has_row "$1"; }
+message_is_gone() { ! look_has "Pattern cannot have TABs"; }
+pattern_has_keyboard() { look | grep 'text "Pattern".*\[focused\]'; }
+button_is_dimmed() { look_has "push button \"$1\" [disabled]"; }
+
+open_list() {
+    keys F11
+    wait_for "the list is there" window_named Associate
+    wait_for "it has the keyboard" look_has 'tree "List of File Type Associations" [focused]'
+}
+wait_for_entry() {
+    wait_for "the entry is there" window_named "New Association Type"
+    wait_for "its first field has the keyboard" pattern_has_keyboard
+}
+
+# The rows of the file, TABs as "|".
+rows() { tail -n +2 "$(file)" | tr '\t' '|' | paste -sd ' '; }
+written() { [ "$(head -n 1 "$(file)")" = "$header" ] && [ "$(rows)" = "$1" ]; }
+
+desktop_start
+desktop_bus
+mkdir -p "$HOME/.ph/tav" "$work/docs"
+printf '*.x\to\tv\te\n*.y\to2\n' >"$(file)"
+tav_start "$work/docs"
+tav_ready "$work/docs"
+
+test_by_key() {
+    open_list
+    keys alt+a
+    wait_for_entry
+    types "*.z"
+    keys Tab
+    types "show @"
+    keys Tab Tab
+    types "ped"
+    keys Return
+    wait_for "the entry is closed" no_window_named "New Association Type"
+    wait_for "the row is there" has_row "*.z"
+    keys Down alt+e
+    wait_for_entry
+    wait_for "it shows the second row" look_has '"o2"'
+    keys alt+v
+    types "view"
+    keys Return
+    wait_for "the entry is closed" no_window_named "New Association Type"
+    keys alt+r
+    wait_for "the first row is gone" has_no_row "*.x"
+    keys alt+d
+    wait_for "the list is closed" no_window_named Associate
+    wait_for "it is written" written "*.y|o2|view| *.z|show @||ped"
+}
+
+test_by_mouse() {
+    open_list
+    click_on Associate Add...
+    wait_for_entry
+    click_on "New Association Type" Done
+    wait_for "an empty pattern is refused" look_has "Pattern cannot have TABs"
+    keys Return
+    wait_for "the message is gone" message_is_gone
+    window_named "New Association Type" >/dev/null || fail "the entry went with it"
+    click_on "New Association Type" Cancel
+    wait_for "the entry is closed" no_window_named "New Association Type"
+    click_on Associate "*.z"
+    click_on Associate Edit...
+    wait_for_entry
+    wait_for "it shows the row that was clicked" look_has '"show @"'
+    keys Escape
+    wait_for "Escape closes the entry alone" no_window_named "New Association Type"
+    window_named Associate >/dev/null || fail "the list went with it"
+    click_on Associate Remove
+    wait_for "the row is gone" has_no_row "*.z"
+    click_on Associate Remove
+    wait_for "Remove is dimmed" button_is_dimmed Remove
+    wait_for "so is Edit" button_is_dimmed Edit...
+    click_on Associate Cancel
+    wait_for "the list is closed" no_window_named Associate
+    written "*.y|o2|view| *.z|show @||ped" || fail "Cancel wrote something"
+    open_list
+    click_on Associate Remove
+    wait_for "the row is gone" has_no_row "*.y"
+    click_on Associate Done
+    wait_for "the list is closed" no_window_named Associate
+    wait_for "it is written" written "*.z|show @||ped"
+}
+
+test_by_key
+test_by_mouse
+tav_quit
