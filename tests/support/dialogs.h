@@ -29,11 +29,12 @@ namespace tav::test {
 // A directory that goes away with its contents.
 class OwnDir {
 public:
-    OwnDir()
+    explicit OwnDir(const std::string &place = "/tmp")
     {
-        char path[] = "/tmp/tav-test-XXXXXX";
-        path_ = mkdtemp(path);
-        chmod(path, 0755); // for tests that become an ordinary user
+        path_ = place + "/tav-test-XXXXXX";
+        if (!mkdtemp(path_.data()))
+            qFatal("cannot make %s", path_.c_str());
+        chmod(path_.c_str(), 0755); // for tests that become an ordinary user
     }
     ~OwnDir()
     {
@@ -62,6 +63,11 @@ public:
     {
         struct stat info = {};
         return lstat(at(name).c_str(), &info) == 0 ? info.st_mode & 07777 : 0;
+    }
+    [[nodiscard]] gid_t group(const std::string &name) const
+    {
+        struct stat info = {};
+        return lstat(at(name).c_str(), &info) == 0 ? info.st_gid : 0;
     }
     [[nodiscard]] bool has(const std::string &name) const
     {
