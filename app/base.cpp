@@ -36,6 +36,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
+#include <QDialog>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenuBar>
@@ -155,6 +156,13 @@ void x_close_window()
     gBase->hide();
 }
 
+// Whether a dialog or a message has the keyboard: a refresh below it must not take that away.
+bool x_is_below_dialog()
+{
+    const auto *dialog = qobject_cast<const QDialog *>(QApplication::activeWindow());
+    return dialog != nullptr && dialog->isVisible();
+}
+
 bool x_is_text_field(const QObject *object)
 {
     const auto *box = qobject_cast<const QComboBox *>(object); // has the focus for its text
@@ -190,7 +198,7 @@ void base_update()
     tb_update();
     gBase->setWindowTitle(shown_text(gDir.path) + QStringLiteral(" - TAV"));
     const QWidget *focus = QApplication::focusWidget();
-    if (!(fl_is_outside() && x_is_text_field(focus)))
+    if (!x_is_below_dialog() && !(fl_is_outside() && x_is_text_field(focus)))
         wfocus(w_find("filelist"));
 }
 

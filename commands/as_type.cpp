@@ -1,5 +1,5 @@
 // What kind of file something is: the system's classifier, asked through a pipe, else the mode. A
-// classifier that hangs or floods costs a moment, never the window.
+// classifier that hangs or floods costs a worker's time, never the window's.
 #include "commands/as.h"
 #include "commands/pipe.h"
 #include "commands/quote.h"
@@ -16,7 +16,8 @@ namespace tav {
 namespace {
 
 constexpr size_t LINE_LIMIT = 2047; // bytes of the answer that count
-constexpr auto PATIENCE = std::chrono::seconds(3);
+// Nobody waits for the answer but a worker, so that a slow disk is given its time.
+constexpr auto PATIENCE = std::chrono::seconds(60);
 
 // How many milliseconds are left until then, at least 0.
 int x_left(std::chrono::steady_clock::time_point then)

@@ -71,11 +71,15 @@ void x_report(int error, const std::string &name)
 // Makes the entry of that name in the directory. 0 when it is there now, else the error, reported.
 int x_create_in(int directory, const std::string &name)
 {
-    const int error = x_exists(directory, name) ? EEXIST : x_make(directory, name);
+    if (x_exists(directory, name)) {
+        x_report(EEXIST, name);
+        return EEXIST;
+    }
+    const int error = x_make(directory, name);
     if (error == 0)
         return 0;
     x_report(error, name);
-    if (sNew.op == NEW_FILE && error != EEXIST && gNewHooks.refresh)
+    if (sNew.op == NEW_FILE && gNewHooks.refresh)
         gNewHooks.refresh();
     return error;
 }
@@ -101,7 +105,7 @@ void x_create()
     if (gNewHooks.refresh)
         gNewHooks.refresh();
     if (gNewHooks.show)
-        gNewHooks.show(name);
+        gNewHooks.show(name.substr(0, name.find('/'))); // what leads there is in the list
 }
 
 int new_setup()

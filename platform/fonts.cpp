@@ -49,6 +49,14 @@ bool x_is_usable(const QStringList &fields)
     return true;
 }
 
+// The text of a font, empty when it does not fit or would be read back as another font.
+QByteArray x_text(const QFont &font, size_t size)
+{
+    const QByteArray text = font.toString().toUtf8();
+    const bool fits = static_cast<size_t>(text.size()) < size;
+    return fits && fonts_from_name(text.constData(), size) == font ? text : QByteArray();
+}
+
 QByteArray x_bytes(const char *name, size_t size)
 {
     return name ? QByteArray(name, static_cast<qsizetype>(strnlen(name, size))) : QByteArray();
@@ -78,9 +86,13 @@ void fonts_to_name(const QFont &font, char *name, size_t size)
     if (size == 0)
         return;
     memset(name, 0, size);
-    QByteArray text = font == QApplication::font() ? QByteArray() : font.toString().toUtf8();
-    const bool fits = static_cast<size_t>(text.size()) < size;
-    if (text.isEmpty() || !fits || fonts_from_name(text.constData(), size) != font)
+    QByteArray text = font == QApplication::font() ? QByteArray(DESKTOP_FONT) : x_text(font, size);
+    if (text.isEmpty()) {
+        QFont plain = font;
+        plain.setStyleName({}); // weight and slant say the same in fewer bytes
+        text = x_text(plain, size);
+    }
+    if (text.isEmpty())
         text = DESKTOP_FONT;
     memcpy(name, text.constData(), std::min(static_cast<size_t>(text.size()), size - 1));
 }

@@ -49,8 +49,8 @@ QString x_breakable(const QString &text)
 class Box : public QMessageBox {
 public:
     Box(QWidget *parent, const WQuestion &question, std::function<void(int)> answered)
-        : QMessageBox(parent), blocked_(parent), answered_(std::move(answered)),
-          on_close_(question.on_close)
+        : QMessageBox(parent), blocked_(parent), before_(QApplication::activeWindow()),
+          answered_(std::move(answered)), on_close_(question.on_close)
     {
         setAttribute(Qt::WA_DeleteOnClose);
         setProperty(WBLOCK_MESSAGE_BOX, true);
@@ -110,12 +110,14 @@ private:
         hide();
         deleteLater();
         const QWidget *active = QApplication::activeWindow();
-        if (blocked_ && (!active || active == this))
-            blocked_->activateWindow();
+        QWidget *back = before_ && before_->isVisible() ? before_ : blocked_;
+        if (back && (!active || active == this))
+            back->activateWindow();
         answer(choice);
     }
 
     QPointer<QWidget> blocked_;
+    QPointer<QWidget> before_; // had the keyboard: a dialog above the blocked window, for instance
     std::function<void(int)> answered_;
     int on_close_;
     std::vector<QPushButton *> buttons_;

@@ -265,6 +265,21 @@ private Q_SLOTS:
         QCOMPARE(QByteArray(gConfig->list_font), QByteArray("TextFont08"));
     }
 
+    void a_font_whose_text_does_not_fit_loses_its_style_name_only()
+    {
+        QFont font(QFontDatabase::families().first(), 17);
+        font.setStyleName(QString(300, QLatin1Char('x')));
+        char name[sizeof gConfig->list_font];
+        memset(name, 'y', sizeof name);
+        fonts_to_name(font, name, sizeof name);
+        QVERIFY(memchr(name, 0, sizeof name));
+        const QFont kept = fonts_from_name(name, sizeof name);
+        QCOMPARE(kept.family(), font.family());
+        QCOMPARE(kept.pointSize(), 17);
+        fonts_to_name(font, name, 16); // not even the family
+        QCOMPARE(QByteArray(name), QByteArray("TextFont08"));
+    }
+
     void leaving_the_chooser_chooses_nothing()
     {
         x_open();

@@ -2,6 +2,7 @@
 #include "commands/fm_dlg.h"
 #include "fileops/new_dlg.h"
 #include "support/dialogs.h"
+#include "support/ordinary.h"
 
 #include <QLineEdit>
 
@@ -114,12 +115,16 @@ private Q_SLOTS:
         QVERIFY(dialog_up("new_dlg"));
         type(QString(254, QLatin1Char('a')));
         QVERIFY(dir_->has(std::string(254, 'a')));
+        fm_new_folder(nullptr);
+        QCOMPARE(said_to(QString(255, QLatin1Char('b'))), QStringLiteral("Error: Name too long\n"));
+        type(QString(254, QLatin1Char('b')));
+        QVERIFY(dir_->has(std::string(254, 'b')));
     }
 
     void what_exists_is_refused_whatever_the_kind()
     {
         for (auto *make : {fm_new_file, fm_new_folder}) {
-            for (const char *name : {"old", "folder", ".", ".."}) {
+            for (const char *name : {"old", "folder", ".", "..", "/"}) {
                 make(nullptr);
                 QCOMPARE(said_to(QString::fromLatin1(name)),
                          QStringLiteral("Error: File or directory '%1' already exists")
@@ -159,6 +164,61 @@ private Q_SLOTS:
                  QStringLiteral("Error: Unable to create directory 'no/such'"));
         QVERIFY(fl_find("meanwhile", FL_EXACT) < 0);
         dialog_click("new_dlg", "new_cancel");
+    }
+
+    void in_a_read_only_directory_nothing_is_made()
+    {
+        QCOMPARE(chmod(dir_->path().c_str(), 0555), 0);
+        {
+            const Ordinary ordinary;
+            fm_new_file(nullptr);
+            QCOMPARE(said_to(QStringLiteral("x")),
+                     QStringLiteral("Error: Unable to create file 'x'\n"));
+            dialog_click("new_dlg", "new_cancel");
+            fm_new_folder(nullptr);
+            QCOMPARE(said_to(QStringLiteral("x")),
+                     QStringLiteral("Error: Unable to create directory 'x'"));
+            dialog_click("new_dlg", "new_cancel");
+        }
+        QCOMPARE(chmod(dir_->path().c_str(), 0755), 0);
+        QVERIFY(!dir_->has("x"));
+    }
+
+    void a_path_below_is_made_and_the_cursor_goes_to_what_leads_there()
+    {
+        fm_new_file(nullptr);
+        type(QStringLiteral("folder/inside"));
+        QVERIFY(dir_->has("folder/inside"));
+        QCOMPARE(selected_names(), std::string("folder"));
+        fm_new_folder(nullptr);
+        type(QStringLiteral("slash/"));
+        QCOMPARE(selected_names(), std::string("slash"));
+        fm_new_file(nullptr);
+        QCOMPARE(said_to(QStringLiteral("file/")),
+                 QStringLiteral("Error: Unable to create file 'file/'\n"));
+        dialog_click("new_dlg", "new_cancel");
+    }
+
+    void a_line_end_is_a_character_of_a_name()
+    {
+        fm_new_file(nullptr);
+        type(QStringLiteral("a\nb"));
+        QVERIFY(dir_->has("a\nb"));
+        fm_new_file(nullptr);
+        QCOMPARE(said_to(QStringLiteral("a\nb")),
+                 QStringLiteral("Error: File or directory 'a\u240Ab' already exists"));
+        dialog_click("new_dlg", "new_cancel");
+    }
+
+    void after_a_message_the_dialog_has_the_keyboard_again()
+    {
+        fm_new_file(nullptr);
+        QDialog *dialog = dialog_up("new_dlg");
+        QTRY_COMPARE(QApplication::activeWindow(), dialog);
+        QCOMPARE(said_to(QStringLiteral("old")),
+                 QStringLiteral("Error: File or directory 'old' already exists"));
+        QTRY_COMPARE(QApplication::activeWindow(), dialog);
+        QVERIFY(dialog_find<QLineEdit>("new_dlg", "new_name")->hasFocus());
     }
 
     void the_directory_that_was_shown_is_used_wherever_the_program_stands()

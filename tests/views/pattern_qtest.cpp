@@ -119,6 +119,13 @@ private Q_SLOTS:
         QTest::newRow("nothing") << QByteArray("zzz*") << 0;
         QTest::newRow("everything") << QByteArray("*") << 6;
         QTest::newRow("unbalanced") << QByteArray("[a") << 0;
+        QTest::newRow("bracket alone") << QByteArray("[") << 0;
+        QTest::newRow("empty bracket") << QByteArray("[]") << 0;
+        QTest::newRow("negated nothing") << QByteArray("[!]") << 0;
+        QTest::newRow("range backwards") << QByteArray("[z-a]*") << 0;
+        QTest::newRow("unknown class") << QByteArray("[[:nothing:]]*") << 0;
+        QTest::newRow("backslash at the end") << QByteArray("*\\") << 0;
+        QTest::newRow("one alternative is malformed") << QByteArray("[|*.c") << 2;
         QTest::newRow("mark alone") << QByteArray("^") << 0;
         QTest::newRow("bar alone") << QByteArray("|") << 0;
         QTest::newRow("many stars") << QByteArray(2000, '*') + "b" << 0;
