@@ -3,6 +3,8 @@
 #include "model/dir.h"
 
 #include "app/config.h"
+#include "model/dir_order.h"
+#include "model/dir_pace.h"
 #include "model/dir_seen.h"
 #include "model/es.h"
 
@@ -14,7 +16,6 @@
 #include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
-#include <functional>
 #include <memory>
 #include <new>
 #include <string_view>
@@ -24,6 +25,15 @@ namespace tav {
 
 DirListing gDir = {{}, {}, false, {}, 0, 0, 0, 0, 0, DIR_PARENT, 0};
 DirHooks gDirHooks = {};
+
+size_t gDirPaced = 0;
+
+void dir_pace_now()
+{
+    gDirPaced = 0;
+    if (gDirHooks.pending)
+        gDirHooks.pending();
+}
 
 namespace {
 
@@ -60,17 +70,20 @@ void x_show_progress()
 }
 
 // Every listed entry becomes a spare: the list is empty then. The last one is taken first, so they
-// are put in the order of their addresses, downwards: filling them in the order in which they were
-// sorted would miss the cache at every step, which costs a large directory more than this sort.
+// are put roughly in the order of their addresses, downwards: filling them in the order in which
+// they were sorted would miss the cache at every step.
 void x_recycle(DirListing &listing)
 {
     listing.spare += listing.count;
-    std::sort(listing.entries.begin(), listing.entries.begin() + listing.spare,
-              std::greater<DirEntry *>());
     listing.total = 0;
     listing.current = DIR_PARENT;
     listing.count = listing.ndirs = listing.nselected = 0;
     sReadCount = 0;
+    try {
+        dir_order_addresses(listing.entries.data(), static_cast<size_t>(listing.spare));
+    } catch (const std::bad_alloc &) {
+        return; // slower, no worse
+    }
 }
 
 // An entry to fill: the one in hand, else the last spare, else a new one. Empty but for its link

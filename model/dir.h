@@ -55,7 +55,7 @@ struct DirHooks {
     void (*progress_start)(void (*tick)());  // call tick every 300 ms from now on
     void (*progress_end)();                  // call tick once more, then no longer
     void (*progress_show)(const char *text); // a text for the right status pane
-    bool (*pending)();                       // let waiting events run; false: stop reading here
+    bool (*pending)(); // let waiting events run; false: stop reading here (what was read is sorted)
 };
 extern DirHooks gDirHooks;
 
@@ -88,6 +88,20 @@ void dir_release(DirListing &listing);
 
 // True for a directory, after link resolution.
 inline bool dir_is_directory(const DirEntry &entry) { return S_ISDIR(entry.stat.st_mode); }
+
+// Calls f with each listed entry and its index, in order. The entries of a large listing lie all
+// over the memory, so the ones to come are fetched early.
+template <typename F>
+void dir_each(const DirListing &listing, F f)
+{
+    constexpr int AHEAD = 12;
+    DirEntry *const *entries = listing.entries.data();
+    for (int i = 0; i < listing.count; i++) {
+        if (i + AHEAD < listing.count)
+            __builtin_prefetch(&entries[i + AHEAD]->flags);
+        f(*entries[i], i);
+    }
+}
 
 // The size as all sums and sorts take it: the low 32 bits.
 inline uint32_t dir_size32(const DirEntry &entry)

@@ -3,9 +3,13 @@
 // eight.
 #include "model/dir_order.h"
 
+#include "model/dir_merge.h"
+#include "model/dir_pace.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <numeric>
 #include <string_view>
 #include <vector>
 
@@ -15,7 +19,9 @@ namespace {
 
 constexpr size_t KEY_SIZE = sizeof(uint64_t); // bytes of a name in a key
 constexpr size_t FEW = 8;                     // entries that are not worth keys
-constexpr size_t AHEAD = 8;                   // entries whose names are fetched early
+constexpr size_t LONG_RUN = 4096;             // names that the library's sort gets at once
+constexpr int STRETCH_BITS = 9;               // about an entry
+constexpr size_t STRETCHES = 1 << 20;         // at most
 constexpr size_t VALUE_DIGITS = 19;           // digits of which a key can hold any
 
 struct Named {
@@ -82,20 +88,32 @@ uint64_t x_value(const DirEntry *entry)
     return value;
 }
 
+// For comparisons that never contradict themselves; the order of what is equal is left open.
+template <typename Less>
+void x_sort_runs(Named *items, size_t count, Less less)
+{
+    for (size_t at = 0; at < count; at += LONG_RUN) {
+        const size_t run = std::min(LONG_RUN, count - at);
+        std::sort(items + at, items + at + run, less);
+        dir_pace(run);
+    }
+    dir_merge_runs(items, count, LONG_RUN, less);
+}
+
 // Sorts names that agree in their first depth bytes.
 void x_sort_bytes(Named *items, size_t count, size_t depth)
 {
     if (count <= FEW || depth + KEY_SIZE > sizeof(DirEntry::name)) {
-        std::sort(items, items + count,
-                  [](const Named &a, const Named &b) { return x_bytes_less(a.entry, b.entry); });
+        x_sort_runs(items, count,
+                    [](const Named &a, const Named &b) { return x_bytes_less(a.entry, b.entry); });
         return;
     }
     for (size_t i = 0; i < count; i++) {
-        if (i + AHEAD < count)
-            __builtin_prefetch(items[i + AHEAD].entry->name + depth);
+        dir_fetch(items[std::min(i + DIR_AHEAD, count - 1)].entry->name + depth);
         items[i].key = x_key(items[i].entry, depth);
+        dir_pace(1);
     }
-    std::sort(items, items + count, [](const Named &a, const Named &b) { return a.key < b.key; });
+    x_sort_runs(items, count, [](const Named &a, const Named &b) { return a.key < b.key; });
     for (size_t from = 0, to = 0; from < count; from = to) {
         for (to = from + 1; to < count && items[to].key == items[from].key;)
             to++;
@@ -109,7 +127,7 @@ void x_sort_numbers(std::vector<Named> &items)
 {
     for (Named &item : items)
         item.key = x_value(item.entry);
-    std::sort(items.begin(), items.end(), [](const Named &a, const Named &b) {
+    x_sort_runs(items.data(), items.size(), [](const Named &a, const Named &b) {
         return a.key != b.key ? a.key < b.key : x_number_less(a.entry, b.entry);
     });
 }
@@ -134,8 +152,11 @@ void dir_order_names(DirEntry **entries, size_t count)
     std::vector<Named> numbers;
     std::vector<Named> others;
     others.reserve(count);
-    for (size_t i = 0; i < count; i++)
+    for (size_t i = 0; i < count; i++) {
+        dir_fetch(entries[std::min(i + DIR_AHEAD, count - 1)]->name);
         (x_is_number(entries[i]->name) ? numbers : others).push_back({0, entries[i]});
+        dir_pace(1);
+    }
     x_sort_numbers(numbers);
     x_sort_bytes(others.data(), others.size(), 0);
     size_t number = 0;
@@ -144,8 +165,30 @@ void dir_order_names(DirEntry **entries, size_t count)
         bool take_number =
             other == others.size() ||
             (number < numbers.size() && x_bytes_less(numbers[number].entry, others[other].entry));
+        dir_pace(1);
         entries[i] = take_number ? numbers[number++].entry : others[other++].entry;
     }
+}
+
+// Counting, as there are few stretches: the cost is two passes over the pointers.
+void dir_order_addresses(DirEntry **entries, size_t count)
+{
+    if (count < 2)
+        return;
+    const auto address = [](const DirEntry *entry) { return reinterpret_cast<uintptr_t>(entry); };
+    const auto [low, high] = std::minmax_element(
+        entries, entries + count, [&](auto a, auto b) { return address(a) < address(b); });
+    const uintptr_t last = address(*high);
+    int shift = STRETCH_BITS;
+    while ((last - address(*low)) >> shift >= STRETCHES)
+        shift++;
+    std::vector<size_t> begin(((last - address(*low)) >> shift) + 2);
+    for (size_t i = 0; i < count; i++)
+        begin[((last - address(entries[i])) >> shift) + 1]++;
+    std::partial_sum(begin.begin(), begin.end(), begin.begin());
+    const std::vector<DirEntry *> before(entries, entries + count);
+    for (DirEntry *entry : before)
+        entries[begin[(last - address(entry)) >> shift]++] = entry;
 }
 
 } // namespace tav

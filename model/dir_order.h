@@ -1,4 +1,4 @@
-// The order of names. Private to the dir_ files.
+// The order of names, and that of memory. Private to the dir_ files.
 #pragma once
 
 #include "model/dir.h"
@@ -9,5 +9,9 @@ namespace tav {
 
 // Sorts count entries by name, ascending: numbers by value, the others by bytes, merged by bytes.
 void dir_order_names(DirEntry **entries, size_t count);
+
+// Puts entries roughly in the order of their addresses, the highest first: those that lie in one
+// stretch of memory stand together.
+void dir_order_addresses(DirEntry **entries, size_t count);
 
 } // namespace tav

@@ -11,10 +11,16 @@
 //
 // All is sorted ascending, directories apart where they come first, and then turned round if need
 // be. The result depends on the entries alone, not on the order in which they were read.
+//
+// A million entries take longer than a person likes to wait for a sign of life, so waiting events
+// run meanwhile. What they may look at, the listing, holds every entry at each such moment, or some
+// of them twice while the order is written back; never one that is gone.
 #include "model/dir.h"
 
 #include "app/config.h"
+#include "model/dir_merge.h"
 #include "model/dir_order.h"
+#include "model/dir_pace.h"
 
 #include <algorithm>
 #include <cstring>
@@ -47,34 +53,36 @@ void x_insert_sort(Item *items, size_t count, Less less)
     }
 }
 
-// Merges two neighbouring runs of from into to; the first goes ahead where neither is less.
-template <typename Item, typename Less>
-void x_merge(const Item *first, const Item *middle, const Item *end, Item *to, Less less)
-{
-    const Item *second = middle;
-    while (first < middle && second < end)
-        *to++ = less(*second, *first) ? *second++ : *first++;
-    to = std::copy(first, middle, to);
-    std::copy(second, end, to);
-}
-
 // A stable merge sort that never leaves its array, whatever less answers.
 template <typename Item, typename Less>
 void x_merge_sort(std::vector<Item> &items, Less less)
 {
-    size_t count = items.size();
-    for (size_t at = 0; at < count; at += SHORT_RUN)
-        x_insert_sort(items.data() + at, std::min(SHORT_RUN, count - at), less);
-    std::vector<Item> other(count > SHORT_RUN ? count : 0);
-    for (size_t run = SHORT_RUN; run < count; run *= 2) {
-        for (size_t at = 0; at < count; at += 2 * run) {
-            size_t middle = std::min(at + run, count);
-            size_t end = std::min(at + 2 * run, count);
-            const Item *from = items.data();
-            x_merge(from + at, from + middle, from + end, other.data() + at, less);
-        }
-        items.swap(other);
+    const size_t count = items.size();
+    for (size_t at = 0; at < count; at += SHORT_RUN) {
+        const size_t run = std::min(SHORT_RUN, count - at);
+        x_insert_sort(items.data() + at, run, less);
+        dir_pace(run);
     }
+    dir_merge_runs(items.data(), count, SHORT_RUN, less);
+}
+
+// Puts the entries that are first ahead of the others, in their order. The place behind them.
+template <typename First>
+Entries x_partition(Entries entries, size_t count, First first)
+{
+    std::vector<DirEntry *> others;
+    others.reserve(count);
+    Entries ahead = entries;
+    for (size_t i = 0; i < count; i++) {
+        dir_fetch(&entries[std::min(i + DIR_AHEAD, count - 1)]->stat);
+        if (first(*entries[i]))
+            *ahead++ = entries[i];
+        else
+            others.push_back(entries[i]);
+        dir_pace(1);
+    }
+    std::copy(others.begin(), others.end(), ahead);
+    return ahead;
 }
 
 bool x_name_less(const DirEntry *a, const DirEntry *b) { return dir_cmp_name(*a, *b) < 0; }
@@ -101,8 +109,11 @@ template <typename Key>
 void x_sort_by(Entries entries, size_t count, Key key)
 {
     std::vector<Keyed> items(count);
-    for (size_t i = 0; i < count; i++)
+    for (size_t i = 0; i < count; i++) {
+        dir_fetch(&entries[std::min(i + DIR_AHEAD, count - 1)]->stat);
         items[i] = {key(*entries[i]), entries[i]};
+        dir_pace(1);
+    }
     x_sort_keyed(entries, items);
 }
 
@@ -111,8 +122,10 @@ template <typename Id, typename Get>
 void x_sort_by_owner(Entries entries, size_t count, Id id, Get get)
 {
     std::unordered_map<uint32_t, uint32_t> ranks;
-    for (size_t i = 0; i < count; i++)
+    for (size_t i = 0; i < count; i++) {
         ranks.try_emplace(id(*entries[i]), 0);
+        dir_pace(1);
+    }
     std::vector<std::pair<std::string, uint32_t>> names;
     for (const auto &each : ranks) {
         char name[DIR_NAME_SIZE];
@@ -130,8 +143,8 @@ void x_sort_by_owner(Entries entries, size_t count, Id id, Get get)
 
 void x_sort_by_link(Entries entries, size_t count)
 {
-    Entries plain = std::stable_partition(
-        entries, entries + count, [](const DirEntry *entry) { return entry->flags & DIR_LINK; });
+    Entries plain =
+        x_partition(entries, count, [](const DirEntry &entry) { return entry.flags & DIR_LINK; });
     dir_order_names(plain, count - static_cast<size_t>(plain - entries));
     std::vector<DirEntry *> links(entries, plain);
     dir_order_names(links.data(), links.size());
@@ -139,7 +152,7 @@ void x_sort_by_link(Entries entries, size_t count)
     std::vector<DirEntry *> all = links;
     all.insert(all.end(), plain, entries + count);
     DirEntry *const *from = all.data();
-    x_merge(from, from + links.size(), from + count, entries, x_name_less);
+    dir_merge(from, from + links.size(), from + count, entries, x_name_less);
 }
 
 void x_sort_by_any(Entries entries, size_t count, DirCompare compare)
@@ -237,13 +250,13 @@ void dir_sort(DirListing &listing, DirCompare compare, int ascending)
 {
     if (!compare || listing.count < 2)
         return;
+    gDirPaced = 0;
     Entries from = listing.entries.data();
     Entries to = from + listing.count;
     try {
         Entries files = from;
         if (gConfig->folders_first)
-            files = std::stable_partition(
-                from, to, [](const DirEntry *entry) { return dir_is_directory(*entry); });
+            files = x_partition(from, static_cast<size_t>(to - from), dir_is_directory);
         x_sort_group(from, files, compare, ascending);
         x_sort_group(files, to, compare, ascending);
     } catch (const std::bad_alloc &) {

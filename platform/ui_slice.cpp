@@ -250,10 +250,8 @@ bool ui_slice_begin(QWidget *allow)
 bool ui_slice_run()
 {
     const SliceFilter *filter = x_filter();
-    if (!sActive || filter->stop)
+    if (!sActive || sSince.elapsed() < UI_SLICE_EVERY)
         return !filter->stop;
-    if (sSince.elapsed() < UI_SLICE_EVERY)
-        return true;
     QCoreApplication::processEvents(QEventLoop::AllEvents, UI_SLICE_LONGEST);
     sSince.start();
     return !filter->stop;

@@ -19,7 +19,8 @@ namespace tav {
 bool ui_slice_begin(QWidget *allow = nullptr);
 
 // Runs the main loop for a moment when that is due (every UI_SLICE_EVERY ms); cheap enough to be
-// called for every name. False as soon as Escape was pressed: stop.
+// called for every name. False as soon as Escape was pressed: stop. Who has to go on for a while
+// (what was read is to be sorted) calls it further: the loop still runs.
 bool ui_slice_run();
 
 // Ends; what was kept is delivered from the main loop soon afterwards.

@@ -119,8 +119,13 @@ void fl_refresh()
         sRefreshDue = sOutside && sRefreshDue != Due::INSIDE ? Due::OUTSIDE : Due::INSIDE;
         return;
     }
-    const bool outside = sOutside;
     x_read_and_show();
+    fl_refresh_due();
+}
+
+void fl_refresh_due()
+{
+    const bool outside = sOutside;
     while (sRefreshDue != Due::NOTHING) {
         sOutside = sRefreshDue == Due::OUTSIDE;
         sRefreshDue = Due::NOTHING;
@@ -146,8 +151,7 @@ void fl_update()
         gFlHooks.cut_fetch();
     x_status("Displaying Directory");
     fl_row_latch();
-    for (int i = 0; i < gDir.count; ++i)
-        gDir.entries[static_cast<size_t>(i)]->item = fl_row_of_index(i);
+    dir_each(gDir, [](DirEntry &entry, int index) { entry.item = fl_row_of_index(index); });
     fl_select_range_end();
     fl_select_set_anchor(gDir.current);
     fl_access_rows_changed();

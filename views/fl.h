@@ -56,10 +56,11 @@ constexpr unsigned FL_PREFIX = 0x08;   // names that begin with the text
 // Binds the list to its widget and header, made by the main window's form.
 void fl_setup();
 
-void fl_set_font(); // takes the list's font from the settings
-void fl_refresh();  // reads the shown directory again and rebuilds the rows
-// The same, asked for by a signal and not by the person at the keyboard: meanwhile fl_is_outside is
-// true, and whoever hears of the change leaves the keyboard where it is.
+void fl_set_font();    // takes the list's font from the settings
+void fl_refresh();     // reads the shown directory again and rebuilds the rows
+void fl_refresh_due(); // the refresh asked for while the listing was being worked on
+// The same as fl_refresh, asked for by a signal and not by the person at the keyboard: meanwhile
+// fl_is_outside is true, and whoever hears of the change leaves the keyboard where it is.
 void fl_refresh_outside();
 bool fl_is_outside();
 void fl_update();                 // rebuilds the rows without reading

@@ -1,7 +1,7 @@
-// Reading the directory while the window stays alive. The reader asks after every name whether it
-// may go on; mostly that is one look at a clock. When a slice is due the main loop runs for a
-// moment (platform/ui_slice keeps keys and clicks for later), and a read that takes long shows its
-// rows.
+// Reading and sorting the directory while the window stays alive. The reader asks after every name
+// whether it may go on; mostly that is one look at a clock. When a slice is due the main loop runs
+// for a moment (platform/ui_slice keeps keys and clicks for later), and a read that takes long
+// shows its rows.
 #include "views/fl_read.h"
 
 #include "platform/ui_slice.h"
@@ -60,6 +60,27 @@ void x_progress_end()
     wtimer_detach(status);
 }
 
+// While one stands the listing is being worked on.
+class Slices {
+public:
+    Slices() : m_begun(ui_slice_begin())
+    {
+        sReading = true;
+        sShow = x_now() + sShowAfter;
+    }
+    ~Slices()
+    {
+        sReading = false;
+        if (m_begun)
+            ui_slice_end();
+    }
+    Slices(const Slices &) = delete;
+    Slices &operator=(const Slices &) = delete;
+
+private:
+    bool m_begun;
+};
+
 } // namespace
 
 bool fl_is_reading() { return sReading; }
@@ -80,14 +101,14 @@ void fl_read_setup()
 
 int fl_read()
 {
-    const bool sliced = ui_slice_begin();
-    sReading = true;
-    sShow = x_now() + sShowAfter;
-    const int result = dir_read(gDir, fl_sort_function(), fl_sort_order());
-    sReading = false;
-    if (sliced)
-        ui_slice_end();
-    return result;
+    const Slices slices;
+    return dir_read(gDir, fl_sort_function(), fl_sort_order());
+}
+
+void fl_read_sort()
+{
+    const Slices slices;
+    dir_sort(gDir, fl_sort_function(), fl_sort_order());
 }
 
 } // namespace tav

@@ -22,6 +22,8 @@ struct Range {
     std::vector<uint8_t> base; // what was selected before, by index; empty: nothing was
 };
 
+constexpr uint8_t sNotSelected = static_cast<uint8_t>(~DIR_SELECTED);
+
 Range sRange;
 int sAnchor = DIR_NONE; // where the next Shift begins
 
@@ -73,7 +75,7 @@ void fl_unselect_index(int index)
 {
     if (!x_is_entry(index) || !(x_at(index).flags & DIR_SELECTED))
         return;
-    x_at(index).flags &= static_cast<uint8_t>(~DIR_SELECTED);
+    x_at(index).flags &= sNotSelected;
     --gDir.nselected;
     gDir.nseldirs -= dir_is_directory(x_at(index));
     x_repaint(index);
@@ -88,8 +90,7 @@ void fl_invert_index(int index)
 
 void fl_select_all()
 {
-    for (int i = 0; i < gDir.count; ++i)
-        x_at(i).flags |= DIR_SELECTED;
+    dir_each(gDir, [](DirEntry &entry, int) { entry.flags |= DIR_SELECTED; });
     gDir.nselected = gDir.count;
     gDir.nseldirs = gDir.ndirs;
     x_repaint_all();
@@ -99,8 +100,7 @@ void fl_select_all()
 void fl_unselect_all(QWidget *)
 {
     if (gDir.nselected > 0)
-        for (int i = 0; i < gDir.count; ++i)
-            x_at(i).flags &= static_cast<uint8_t>(~DIR_SELECTED);
+        dir_each(gDir, [](DirEntry &entry, int) { entry.flags &= sNotSelected; });
     gDir.nselected = 0;
     gDir.nseldirs = 0;
     x_repaint_all();
@@ -109,12 +109,8 @@ void fl_unselect_all(QWidget *)
 
 void fl_invert_all()
 {
-    gDir.nseldirs = 0;
-    for (int i = 0; i < gDir.count; ++i) {
-        x_at(i).flags ^= DIR_SELECTED;
-        if (x_at(i).flags & DIR_SELECTED)
-            gDir.nseldirs += dir_is_directory(x_at(i));
-    }
+    dir_each(gDir, [](DirEntry &entry, int) { entry.flags ^= DIR_SELECTED; });
+    gDir.nseldirs = gDir.ndirs - gDir.nseldirs;
     gDir.nselected = gDir.count - gDir.nselected;
     x_repaint_all();
     fl_status_changed();

@@ -3,6 +3,7 @@
 
 #include "views/fl.h"
 #include "views/fl_header.h"
+#include "views/fl_read.h"
 #include "views/fl_view.h"
 
 namespace tav {
@@ -38,7 +39,7 @@ void x_sort()
     const DirEntry *current = x_current_entry();
     if (current)
         fl_set_current(DIR_NONE); // or the flag would be sought where the entry stood before
-    dir_sort(gDir, sSortFunction, sSortOrder);
+    fl_read_sort();
     if (current)
         fl_set_current(x_index_of(current));
 }
@@ -53,6 +54,7 @@ void fl_sort_again()
 {
     x_sort();
     fl_update();
+    fl_refresh_due();
 }
 
 void show_sort_method()

@@ -13,11 +13,10 @@ namespace {
 uint64_t selected_total()
 {
     uint64_t total = 0;
-    for (int i = 0; i < gDir.count; ++i) {
-        const DirEntry &entry = *gDir.entries[static_cast<size_t>(i)];
+    dir_each(gDir, [&](const DirEntry &entry, int) {
         if (entry.flags & DIR_SELECTED)
             total += dir_size32(entry);
-    }
+    });
     return total;
 }
 

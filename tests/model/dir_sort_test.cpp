@@ -342,4 +342,67 @@ TEST_F(DirSort, LongNamesThatDifferOnlyAtTheEnd)
     EXPECT_EQ(m_list.listing.entries.back()->name, head + "c");
 }
 
+// What happens between two moments at which waiting events may run.
+int sLooks, sCompared, sMostCompared;
+const DirListing *sShown;
+bool sWhole; // every entry was still there at each such moment
+
+bool look_whole()
+{
+    sLooks++;
+    sMostCompared = std::max(sMostCompared, sCompared);
+    sCompared = 0;
+    for (int i = 0; i < sShown->count; i++)
+        sWhole = sWhole && sShown->entries[static_cast<size_t>(i)]->name[0];
+    return false; // a sort is not stopped
+}
+
+TEST_F(DirSort, WaitingEventsRunDuringEverySortAndDoNotStopIt)
+{
+    constexpr int COUNT = 20000;
+    std::mt19937 random(7);
+    for (int i = 0; i < COUNT; i++) {
+        DirEntry &entry = m_list.add("some_name_" + std::to_string(random()));
+        entry.stat.st_size = static_cast<off_t>(random() % 100);
+        entry.stat.st_mode = random() % 3 ? S_IFREG : S_IFDIR;
+    }
+    const DirHooks before = gDirHooks;
+    gDirHooks.pending = look_whole;
+    sShown = &m_list.listing;
+    for (DirCompare key : KEYS)
+        for (int folders_first : {0, 1}) {
+            gConfig->folders_first = folders_first;
+            sLooks = 0;
+            sWhole = true;
+            dir_sort(m_list.listing, key, 1);
+            EXPECT_GE(sLooks, COUNT / 4096);
+            EXPECT_TRUE(sWhole);
+        }
+    gDirHooks = before;
+    std::vector<DirEntry *> all = m_list.listing.entries;
+    std::sort(all.begin(), all.end());
+    EXPECT_EQ(std::adjacent_find(all.begin(), all.end()), all.end()) << "none stands there twice";
+}
+
+TEST_F(DirSort, EventsNeverWaitLongerThanForSomeThousandComparisons)
+{
+    for (int i = 0; i < 30000; i++)
+        m_list.add(std::to_string(i * 7919 % 30000) + "x");
+    const DirHooks before = gDirHooks;
+    gDirHooks.pending = look_whole;
+    sShown = &m_list.listing;
+    sCompared = sMostCompared = 0;
+    dir_sort(
+        m_list.listing,
+        [](const DirEntry &a, const DirEntry &b) {
+            sCompared++;
+            return strcmp(b.name, a.name);
+        },
+        1);
+    gDirHooks = before;
+    EXPECT_GT(sMostCompared, 0);
+    EXPECT_LE(sMostCompared, 40000) << "4096 entries, each put in its place among twelve";
+    EXPECT_EQ(std::string(m_list.listing.entries.front()->name), "9x");
+}
+
 } // namespace

@@ -453,7 +453,7 @@ TEST_F(DirRead, LetsEventsRunEveryFourMillisecondsNotPerName)
     };
     gDirCalls.clock = tick_clock;
     TestListing list(m_dir.path());
-    EXPECT_EQ(list.read(), 0);
+    EXPECT_EQ(list.read(nullptr), 0);
     EXPECT_EQ(list.listing.count, 1000);
     EXPECT_GE(sPending, 1000 / 5 - 1);
     EXPECT_LE(sPending, 1000 / 4);

@@ -162,6 +162,17 @@ private Q_SLOTS:
         QVERIFY(ui_slice_run());
     }
 
+    void the_loop_runs_on_after_escape_for_who_still_has_to_finish()
+    {
+        QVERIFY(ui_slice_begin());
+        QTimer::singleShot(0, this, [this] { QTest::keyClick(window_->edit, Qt::Key_Escape); });
+        QVERIFY(!x_slice());
+        bool ran = false;
+        QTimer::singleShot(0, this, [&ran] { ran = true; });
+        QVERIFY(!x_slice());
+        QVERIFY(ran);
+    }
+
     void a_click_on_a_button_waits()
     {
         QVERIFY(ui_slice_begin());

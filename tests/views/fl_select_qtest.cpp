@@ -223,6 +223,44 @@ private Q_SLOTS:
         QCOMPARE(fl_test_names(), std::string("d c b a"));
     }
 
+    void window_lives_while_a_long_list_is_sorted()
+    {
+        m_dir->many("f", 9000);
+        fl_setpath(m_dir->path().c_str());
+        static int sSlices, sReading;
+        sSlices = sReading = 0;
+        const DirHooks before = gDirHooks;
+        gDirHooks.pending = [] {
+            ++sSlices;
+            sReading += fl_is_reading();
+            fl_sort_cb(FL_COLUMN_SIZE); // waits, as a read would
+            return true;
+        };
+        press("fh_filename");
+        gDirHooks = before;
+        QVERIFY(sSlices > 0);
+        QCOMPARE(sReading, sSlices);
+        QVERIFY(!fl_is_reading());
+        QCOMPARE(image("fh_filename"), QStringLiteral("image_sort_down"));
+        QCOMPARE(fl_test_name(gDir.count - 1), std::string("f000000"));
+    }
+
+    void refresh_asked_for_while_sorting_is_done_afterwards()
+    {
+        m_dir->many("f", 9000);
+        fl_setpath(m_dir->path().c_str());
+        m_dir->file("late");
+        const DirHooks before = gDirHooks;
+        gDirHooks.pending = [] {
+            if (gDir.count == 9000)
+                fl_refresh();
+            return true;
+        };
+        press("fh_filename");
+        gDirHooks = before;
+        QCOMPARE(gDir.count, 9001);
+    }
+
     void sorting_an_empty_list_and_a_bad_column()
     {
         m_dir->dir("e");
