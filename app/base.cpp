@@ -80,6 +80,7 @@ void x_fill_hooks()
     gFlHooks.cut_any = [] { return file_any_cut(gDir.path); };
     gFlHooks.is_cut = file_is_cut;
     gFlHooks.drag_start = dnd_start;
+    gFlHooks.drop_is_files = dnd_is_files;
     gFlHooks.drop_accepts = dnd_accepts;
     gFlHooks.drop = dnd_drop;
     gFopHooks.get_cut_files = file_get_cut_files;

@@ -22,6 +22,10 @@ struct ClipState {
     std::function<void()> waiting;      // for the end of the reading
     void (*notify)() = nullptr;
     QTimer *gather = nullptr; // runs while names wait to be taken off the clipboard
+    // What was taken out of the offer of that id, for one that comes back by another way: whoever
+    // else takes names out of it puts there what it knows.
+    TransfId gone_id{};
+    std::vector<std::pair<std::string, std::string>> gone; // directory and name
 };
 
 ClipState &x_state()
@@ -32,6 +36,30 @@ ClipState &x_state()
 
 QClipboard *x_clipboard() { return QGuiApplication::clipboard(); }
 
+// Takes the marks off a file and, should it be a directory, off everything below it.
+bool x_remove(const std::string &directory, const std::string &name)
+{
+    TransfMarks &marks = x_state().marks;
+    if (marks.left == 0)
+        return false;
+    const bool marked = transf_marks_remove(marks, directory, name);
+    const std::string path = (directory == "/" ? "" : directory) + '/' + name;
+    return transf_marks_remove_tree(marks, path) || marked;
+}
+
+// Takes out of the marks what was taken out of that offer before.
+void x_forget_gone()
+{
+    ClipState &state = x_state();
+    if (!state.files || !state.files->ours || state.files->id != state.gone_id)
+        state.gone.clear();
+    bool came_back = false;
+    for (const auto &[directory, name] : state.gone)
+        came_back = x_remove(directory, name) || came_back;
+    if (came_back)
+        state.gather->start();
+}
+
 void x_known(std::unique_ptr<TransfFiles> files)
 {
     ClipState &state = x_state();
@@ -40,6 +68,7 @@ void x_known(std::unique_ptr<TransfFiles> files)
     state.reading = false;
     state.files = std::move(files);
     file_get_cut_files();
+    x_forget_gone();
     if (state.notify && (marked_before || state.marks.left != 0))
         state.notify();
     if (std::function<void()> waiting = std::exchange(state.waiting, nullptr))
@@ -63,11 +92,12 @@ void x_changed()
     });
 }
 
-// A window without the focus hears of no change under Wayland: it looks when it gets the focus.
+// Only an X server tells a window without the focus of a change; elsewhere it looks when it gets
+// the focus.
 void x_active(Qt::ApplicationState state)
 {
     if (state == Qt::ApplicationActive && !x_clipboard()->ownsClipboard() &&
-        QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+        QGuiApplication::platformName() != QLatin1String("xcb"))
         x_changed();
 }
 
@@ -150,8 +180,12 @@ bool file_any_cut(const std::string &directory)
 int file_uncut(const char *directory, const char *name)
 {
     ClipState &state = x_state();
-    if (!transf_marks_remove(state.marks, directory, name))
+    if (!x_remove(directory, name))
         return 0;
+    if (state.files->ours) {
+        state.gone_id = state.files->id;
+        state.gone.emplace_back(directory, name);
+    }
     if (!state.gather->isActive())
         state.gather->start();
     return 1;

@@ -39,8 +39,8 @@ void file_get_cut_files(); // makes the marks those of the last cut found on the
 bool file_is_cut(const std::string &directory, std::string_view name);
 bool file_any_cut(const std::string &directory); // any mark in the directory
 
-// Takes one file out of the cut: 1, or 0 when it is not in it. The clipboard gets the rest a little
-// later, gathered, and only while it still holds that cut.
+// Takes one file out of the cut, with what was cut below it: 1, or 0 when nothing was. The
+// clipboard gets the rest a little later, gathered, and only while it still holds that cut.
 int file_uncut(const char *directory, const char *name);
 
 } // namespace tav

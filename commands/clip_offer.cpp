@@ -2,6 +2,7 @@
 #include "commands/clip_offer.h"
 #include "commands/uri.h"
 
+#include <QElapsedTimer>
 #include <QUrl>
 
 namespace tav {
@@ -10,14 +11,6 @@ namespace {
 
 const char *const sMimes[] = {TRANSF_MIME, TRANSF_MIME_GNOME, TRANSF_MIME_URIS, TRANSF_MIME_KDE,
                               TRANSF_MIME_TEXT};
-
-std::string x_bytes(const QMimeData &data, const char *mime)
-{
-    const QString name = QLatin1String(mime);
-    if (!data.hasFormat(name))
-        return {};
-    return data.data(name).toStdString();
-}
 
 } // namespace
 
@@ -80,19 +73,20 @@ QVariant ClipOffer::retrieveData(const QString &mime, QMetaType type) const
     return urls;
 }
 
-TransfForms clip_offer_forms(const QMimeData &data)
+int clip_offer_take(const QMimeData &data, TransfFiles &files)
 {
-    TransfForms forms;
-    forms.own = x_bytes(data, TRANSF_MIME);
-    if (!forms.own.empty())
-        return forms;
-    forms.gnome = x_bytes(data, TRANSF_MIME_GNOME);
-    if (!forms.gnome.empty())
-        return forms;
-    forms.uris = x_bytes(data, TRANSF_MIME_URIS);
-    if (!forms.uris.empty())
-        forms.kde = x_bytes(data, TRANSF_MIME_KDE);
-    return forms;
+    bool late = false;
+    auto get = [&data, &late](const char *mime, std::string &bytes) {
+        const QString name = QLatin1String(mime);
+        if (late || !data.hasFormat(name))
+            return false;
+        QElapsedTimer waited;
+        waited.start();
+        bytes = data.data(name).toStdString();
+        late = waited.elapsed() > CLIP_OFFER_PATIENCE_MS;
+        return !bytes.empty();
+    };
+    return transf_take_from(get, files);
 }
 
 bool clip_offer_takes(const QMimeData &data)

@@ -37,8 +37,12 @@ private:
     TransfId m_id;
 };
 
-// The forms of somebody else's offer. May wait for the program that offers.
-TransfForms clip_offer_forms(const QMimeData &data);
+// A form for which the offering program let us wait longer than this is the last one asked for.
+constexpr int CLIP_OFFER_PATIENCE_MS = 1000;
+
+// The files of somebody else's offer: 0, or -1 (files untouched) when there are none. May wait for
+// the program that offers.
+int clip_offer_take(const QMimeData &data, TransfFiles &files);
 
 // Whether the offer has a form that we take.
 bool clip_offer_takes(const QMimeData &data);

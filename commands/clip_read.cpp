@@ -23,19 +23,12 @@ struct Reading {
 // The reading under way, or null. Main thread.
 std::shared_ptr<Reading> sReading;
 
-std::unique_ptr<TransfFiles> x_take(const TransfForms &forms)
-{
-    auto files = std::make_unique<TransfFiles>();
-    return transf_take(forms, *files) == 0 ? std::move(files) : nullptr;
-}
-
 // On the worker.
 void x_read(const std::shared_ptr<Reading> &reading)
 {
-    TransfForms forms;
-    auto files = std::make_shared<std::unique_ptr<TransfFiles>>();
-    if (clip_x11_fetch(nullptr, reading->cancel, forms) == 0)
-        *files = x_take(forms);
+    auto files = std::make_shared<std::unique_ptr<TransfFiles>>(std::make_unique<TransfFiles>());
+    if (clip_x11_fetch(nullptr, reading->cancel, **files) != 0)
+        files->reset();
     ui_post([reading, files] {
         if (reading != sReading)
             return;
@@ -47,7 +40,8 @@ void x_read(const std::shared_ptr<Reading> &reading)
 std::unique_ptr<TransfFiles> x_read_here()
 {
     const QMimeData *data = QGuiApplication::clipboard()->mimeData();
-    return data ? x_take(clip_offer_forms(*data)) : nullptr;
+    auto files = std::make_unique<TransfFiles>();
+    return data && clip_offer_take(*data, *files) == 0 ? std::move(files) : nullptr;
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-// Fetching the clipboard's forms from an X server. One fetch is one connection, one window and one
-// property; every wait has an end and looks at cancel several times a second.
+// Fetching the files on the clipboard from an X server. One fetch is one connection, one window and
+// one property; every wait has an end and looks at cancel several times a second.
 #include "commands/clip_x11.h"
 #include "commands/uri.h"
 
@@ -34,6 +34,8 @@ struct Fetch {
     const std::atomic<bool> *cancel;
     xcb_window_t window;
     xcb_atom_t clipboard, targets, incr, property;
+    Clock::time_point end; // of all waiting
+    bool over;             // it came too late or too much: nothing more is asked
 };
 
 xcb_atom_t x_atom(xcb_connection_t *server, const char *name)
@@ -44,13 +46,14 @@ xcb_atom_t x_atom(xcb_connection_t *server, const char *name)
 }
 
 // The next event, null when the time is over, the server is gone or the fetch was cancelled.
-Reply<xcb_generic_event_t> x_next_event(const Fetch &fetch, Clock::time_point end)
+Reply<xcb_generic_event_t> x_next_event(Fetch &fetch, Clock::time_point end)
 {
     for (;;) {
         Reply<xcb_generic_event_t> event(xcb_poll_for_event(fetch.server));
         if (event)
             return event;
-        if (*fetch.cancel || Clock::now() >= end || xcb_connection_has_error(fetch.server))
+        fetch.over = fetch.over || Clock::now() >= end;
+        if (*fetch.cancel || fetch.over || xcb_connection_has_error(fetch.server))
             return nullptr;
         pollfd ready = {xcb_get_file_descriptor(fetch.server), POLLIN, 0};
         poll(&ready, 1, LOOK_MS);
@@ -59,9 +62,10 @@ Reply<xcb_generic_event_t> x_next_event(const Fetch &fetch, Clock::time_point en
 
 // Waits for an event of the type that check accepts.
 template <typename Event, typename Check>
-bool x_wait(const Fetch &fetch, uint8_t type, Check check)
+bool x_wait(Fetch &fetch, uint8_t type, Check check)
 {
-    const auto end = Clock::now() + std::chrono::milliseconds(CLIP_X11_WAIT_MS);
+    const auto end =
+        std::min(fetch.end, Clock::now() + std::chrono::milliseconds(CLIP_X11_WAIT_MS));
     while (Reply<xcb_generic_event_t> event = x_next_event(fetch, end))
         if ((event->response_type & 0x7F) == type && check(*reinterpret_cast<Event *>(event.get())))
             return true;
@@ -69,7 +73,7 @@ bool x_wait(const Fetch &fetch, uint8_t type, Check check)
 }
 
 // Appends what the property holds and deletes it. type gets the property's type.
-bool x_take_property(const Fetch &fetch, std::string &out, xcb_atom_t &type)
+bool x_take_property(Fetch &fetch, std::string &out, xcb_atom_t &type)
 {
     uint32_t offset = 0;
     for (;;) {
@@ -83,7 +87,8 @@ bool x_take_property(const Fetch &fetch, std::string &out, xcb_atom_t &type)
         const int size = xcb_get_property_value_length(reply.get());
         out.append(static_cast<const char *>(xcb_get_property_value(reply.get())),
                    static_cast<size_t>(size));
-        if (out.size() > MAX_BYTES || *fetch.cancel)
+        fetch.over = fetch.over || out.size() > MAX_BYTES;
+        if (fetch.over || *fetch.cancel)
             return false;
         if (reply->bytes_after == 0)
             break;
@@ -95,7 +100,7 @@ bool x_take_property(const Fetch &fetch, std::string &out, xcb_atom_t &type)
 }
 
 // Pieces follow each other, each announced by a change of the property, the last one empty.
-bool x_take_pieces(const Fetch &fetch, std::string &out)
+bool x_take_pieces(Fetch &fetch, std::string &out)
 {
     out.clear();
     for (;;) {
@@ -113,10 +118,10 @@ bool x_take_pieces(const Fetch &fetch, std::string &out)
 }
 
 // Asks the owner for one form.
-bool x_convert(const Fetch &fetch, xcb_atom_t target, std::string &out)
+bool x_convert(Fetch &fetch, xcb_atom_t target, std::string &out)
 {
     out.clear();
-    if (target == XCB_ATOM_NONE)
+    if (target == XCB_ATOM_NONE || fetch.over)
         return false;
     xcb_convert_selection(fetch.server, fetch.window, fetch.clipboard, target, fetch.property,
                           XCB_CURRENT_TIME);
@@ -133,7 +138,7 @@ bool x_convert(const Fetch &fetch, xcb_atom_t target, std::string &out)
     return type != fetch.incr || x_take_pieces(fetch, out);
 }
 
-std::vector<xcb_atom_t> x_targets(const Fetch &fetch)
+std::vector<xcb_atom_t> x_targets(Fetch &fetch)
 {
     std::string bytes;
     if (!x_convert(fetch, fetch.targets, bytes))
@@ -144,28 +149,24 @@ std::vector<xcb_atom_t> x_targets(const Fetch &fetch)
     return atoms;
 }
 
-int x_fetch_forms(const Fetch &fetch, TransfForms &forms)
+int x_fetch_files(Fetch &fetch, TransfFiles &files)
 {
     const std::vector<xcb_atom_t> offered = x_targets(fetch);
-    auto fetch_form = [&](const char *mime, std::string &out) {
+    auto get = [&](const char *mime, std::string &bytes) {
         const xcb_atom_t atom = x_atom(fetch.server, mime);
         return std::find(offered.begin(), offered.end(), atom) != offered.end() &&
-               x_convert(fetch, atom, out);
+               x_convert(fetch, atom, bytes);
     };
-    if (fetch_form(TRANSF_MIME, forms.own) || fetch_form(TRANSF_MIME_GNOME, forms.gnome))
-        return 0;
-    if (!fetch_form(TRANSF_MIME_URIS, forms.uris))
-        return -1;
-    fetch_form(TRANSF_MIME_KDE, forms.kde);
-    return 0;
+    return transf_take_from(get, files);
 }
 
-int x_fetch_on(xcb_connection_t *server, const std::atomic<bool> &cancel, TransfForms &forms)
+int x_fetch_on(xcb_connection_t *server, const std::atomic<bool> &cancel, TransfFiles &files)
 {
     if (xcb_connection_has_error(server))
         return -1;
     const xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(server)).data;
-    Fetch fetch = {server, &cancel, xcb_generate_id(server), 0, 0, 0, 0};
+    const auto end = Clock::now() + std::chrono::milliseconds(CLIP_X11_TOTAL_MS);
+    Fetch fetch = {server, &cancel, xcb_generate_id(server), 0, 0, 0, 0, end, false};
     fetch.clipboard = x_atom(server, "CLIPBOARD");
     fetch.targets = x_atom(server, "TARGETS");
     fetch.incr = x_atom(server, "INCR");
@@ -174,15 +175,15 @@ int x_fetch_on(xcb_connection_t *server, const std::atomic<bool> &cancel, Transf
     xcb_create_window(server, 0, fetch.window, screen->root, 0, 0, 1, 1, 0,
                       XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK,
                       &events);
-    return x_fetch_forms(fetch, forms);
+    return x_fetch_files(fetch, files);
 }
 
 } // namespace
 
-int clip_x11_fetch(const char *display, const std::atomic<bool> &cancel, TransfForms &forms)
+int clip_x11_fetch(const char *display, const std::atomic<bool> &cancel, TransfFiles &files)
 {
     xcb_connection_t *server = xcb_connect(display, nullptr);
-    const int result = x_fetch_on(server, cancel, forms);
+    const int result = x_fetch_on(server, cancel, files);
     xcb_disconnect(server);
     return result;
 }

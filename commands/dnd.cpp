@@ -32,6 +32,19 @@ std::string x_resolved(const std::string &path)
     return realpath(path.c_str(), resolved) ? resolved : path;
 }
 
+// Whether the way from upper down to lower begins with one of the names.
+bool x_leads_to(const FileListRecord &list, std::string upper, const std::string &lower)
+{
+    if (upper.back() != '/')
+        upper += '/';
+    if (lower.compare(0, upper.size(), upper) != 0)
+        return false;
+    const std::string first =
+        lower.substr(upper.size(), lower.find('/', upper.size()) - upper.size());
+    return std::any_of(list.names.begin(), list.names.end(),
+                       [&first](const char *name) { return first == name; });
+}
+
 bool x_same_directory(const std::string &a, const std::string &b)
 {
     struct stat of_a, of_b;
@@ -45,7 +58,7 @@ TransfFiles x_files(const QMimeData &data)
     if (const auto *own = qobject_cast<const ClipOffer *>(&data))
         return own->files();
     TransfFiles files;
-    transf_take(clip_offer_forms(data), files);
+    clip_offer_take(data, files);
     return files;
 }
 
@@ -62,9 +75,12 @@ bool x_is_refused(const QMimeData &data, int index)
 
 void x_start_jobs(TransfFiles &files, bool copy, const std::string &destination)
 {
-    for (FileListRecord &list : files.lists)
-        if (!x_same_directory(list.directory, destination))
-            _file_op(copy ? FOP_COPY : FOP_MOVE, std::move(list), destination.c_str());
+    auto at_home = [&destination](const FileListRecord &list) {
+        return x_same_directory(list.directory, destination);
+    };
+    auto &lists = files.lists;
+    lists.erase(std::remove_if(lists.begin(), lists.end(), at_home), lists.end());
+    file_op_all(copy ? FOP_COPY : FOP_MOVE, std::move(lists), destination);
 }
 
 } // namespace
@@ -81,16 +97,9 @@ std::string dnd_destination(int index)
 
 bool dnd_is_inside(const FileListRecord &list, const std::string &destination)
 {
-    std::string upper = x_resolved(list.directory);
-    if (upper.back() != '/')
-        upper += '/';
-    const std::string lower = x_resolved(destination);
-    if (lower.compare(0, upper.size(), upper) != 0)
-        return false;
-    const std::string first =
-        lower.substr(upper.size(), lower.find('/', upper.size()) - upper.size());
-    return std::any_of(list.names.begin(), list.names.end(),
-                       [&first](const char *name) { return first == name; });
+    // By its text as well: a link may be the destination and lead elsewhere.
+    return x_leads_to(list, list.directory, destination) ||
+           x_leads_to(list, x_resolved(list.directory), x_resolved(destination));
 }
 
 Qt::DropAction dnd_action(Qt::KeyboardModifiers modifiers, Qt::DropActions possible)
@@ -101,12 +110,16 @@ Qt::DropAction dnd_action(Qt::KeyboardModifiers modifiers, Qt::DropActions possi
     return copy && possible & Qt::CopyAction ? Qt::CopyAction : Qt::MoveAction;
 }
 
+bool dnd_is_files(const QDropEvent &event)
+{
+    return event.mimeData() != nullptr && clip_offer_takes(*event.mimeData());
+}
+
 bool dnd_accepts(QDropEvent &event, int index)
 {
-    const QMimeData *data = event.mimeData();
-    if (data == nullptr || !clip_offer_takes(*data) || !gDir.has_path ||
+    if (!dnd_is_files(event) || !gDir.has_path ||
         !(event.possibleActions() & (Qt::CopyAction | Qt::MoveAction)) ||
-        x_is_refused(*data, index))
+        x_is_refused(*event.mimeData(), index))
         return false;
     event.setDropAction(dnd_action(event.modifiers(), event.possibleActions()));
     return true;
@@ -145,6 +158,14 @@ void dnd_start()
     drag->setHotSpot({-DND_PICTURE_GAP, -DND_PICTURE_GAP});
     // What the other side made of it is its own affair: nothing here is ever deleted for it.
     drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::MoveAction);
+}
+
+void x_drop_complete_cb(const FileListRecord &list, unsigned flags)
+{
+    if (!(flags & DND_SHOW))
+        return;
+    fl_goto_index(fl_select_transf(list.names));
+    fl_refresh();
 }
 
 } // namespace tav

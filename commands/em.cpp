@@ -59,8 +59,7 @@ void x_paste(const std::string &destination)
     for (const FileListRecord &list : files->lists)
         if (destination != list.directory)
             lists.push_back(transf_own(list));
-    for (FileListRecord &list : lists)
-        _file_op(op, std::move(list), destination.c_str());
+    file_op_all(op, std::move(lists), destination);
 }
 
 } // namespace

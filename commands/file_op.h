@@ -14,4 +14,7 @@ extern FileOpStart gFileOpStart;
 // returned; -1 for an empty list.
 int _file_op(int op, FileListRecord list, const char *dest);
 
+// Starts a job for each list; those for which there is no slot wait for one.
+void file_op_all(int op, std::vector<FileListRecord> lists, const std::string &dest);
+
 } // namespace tav

@@ -3,6 +3,19 @@
 
 namespace tav {
 
+namespace {
+
+// Blanks every marked name of a directory.
+void x_remove_all(TransfMarks &marks, TransfMarks::Directory &directory)
+{
+    for (const auto &[name, place] : directory.names)
+        directory.list->names[static_cast<size_t>(place)] = "";
+    marks.left -= directory.names.size();
+    directory.names.clear();
+}
+
+} // namespace
+
 void transf_marks_set(TransfMarks &marks, TransfFiles &files)
 {
     transf_marks_clear(marks);
@@ -43,6 +56,18 @@ bool transf_marks_remove(TransfMarks &marks, const std::string &directory, std::
     found->second.names.erase(place);
     marks.left--;
     return true;
+}
+
+bool transf_marks_remove_tree(TransfMarks &marks, const std::string &directory)
+{
+    const size_t before = marks.left;
+    if (auto itself = marks.directories.find(directory); itself != marks.directories.end())
+        x_remove_all(marks, itself->second);
+    const std::string below = directory + '/';
+    for (auto at = marks.directories.lower_bound(below);
+         at != marks.directories.end() && at->first.compare(0, below.size(), below) == 0; ++at)
+        x_remove_all(marks, at->second);
+    return marks.left != before;
 }
 
 } // namespace tav

@@ -4,6 +4,7 @@
 
 #include "commands/transf_take.h"
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -17,8 +18,8 @@ struct TransfMarks {
         std::unordered_map<std::string_view, int> names;
         FileListRecord *list;
     };
-    std::unordered_map<std::string, Directory> directories;
-    size_t left = 0; // names in all directories
+    std::map<std::string, Directory> directories; // in order, so that a tree stands together
+    size_t left = 0;                              // names in all directories
 };
 
 // Marks every file of an offer. The offer must stay where it is as long as the marks do.
@@ -30,5 +31,8 @@ bool transf_marks_has(const TransfMarks &marks, const std::string &directory,
 
 // Takes the mark off and blanks the name in the offer's list. False when it is not marked.
 bool transf_marks_remove(TransfMarks &marks, const std::string &directory, std::string_view name);
+
+// The same for everything in the directory and below it.
+bool transf_marks_remove_tree(TransfMarks &marks, const std::string &directory);
 
 } // namespace tav

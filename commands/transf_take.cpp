@@ -6,10 +6,11 @@ namespace tav {
 
 namespace {
 
-bool x_take_own(const TransfForms &forms, TransfFiles &files)
+bool x_take_own(const TransfGet &get, TransfFiles &files)
 {
+    std::string bytes;
     TransfOffer offer;
-    if (transf_unpack(forms.own, offer) != 0)
+    if (!get(TRANSF_MIME, bytes) || transf_unpack(bytes, offer) != 0)
         return false;
     files.cut = offer.cut;
     files.ours = true;
@@ -19,15 +20,23 @@ bool x_take_own(const TransfForms &forms, TransfFiles &files)
     return true;
 }
 
-bool x_take_others(const TransfForms &forms, TransfFiles &files)
+bool x_take_uris(const TransfGet &get, bool &cut, UriFiles &uris)
 {
+    std::string bytes, mark;
+    if (!get(TRANSF_MIME_URIS, bytes) || uri_parse_list(bytes, uris) != 0)
+        return false;
+    cut = get(TRANSF_MIME_KDE, mark) && uri_parse_kde_mark(mark);
+    return true;
+}
+
+bool x_take_others(const TransfGet &get, TransfFiles &files)
+{
+    std::string bytes;
     bool cut = false;
     UriFiles uris;
-    if (uri_parse_gnome(forms.gnome, cut, uris) != 0) {
-        if (uri_parse_list(forms.uris, uris) != 0)
-            return false;
-        cut = uri_parse_kde_mark(forms.kde);
-    }
+    const bool gnome = get(TRANSF_MIME_GNOME, bytes) && uri_parse_gnome(bytes, cut, uris) == 0;
+    if (!gnome && !x_take_uris(get, cut, uris))
+        return false;
     files.cut = cut;
     files.ours = false;
     files.id = {};
@@ -35,11 +44,28 @@ bool x_take_others(const TransfForms &forms, TransfFiles &files)
     return true;
 }
 
+const std::string &x_form(const TransfForms &forms, std::string_view mime)
+{
+    return mime == TRANSF_MIME         ? forms.own
+           : mime == TRANSF_MIME_GNOME ? forms.gnome
+           : mime == TRANSF_MIME_URIS  ? forms.uris
+                                       : forms.kde;
+}
+
 } // namespace
+
+int transf_take_from(const TransfGet &get, TransfFiles &files)
+{
+    return x_take_own(get, files) || x_take_others(get, files) ? 0 : -1;
+}
 
 int transf_take(const TransfForms &forms, TransfFiles &files)
 {
-    return x_take_own(forms, files) || x_take_others(forms, files) ? 0 : -1;
+    auto get = [&forms](const char *mime, std::string &bytes) {
+        bytes = x_form(forms, mime);
+        return !bytes.empty();
+    };
+    return transf_take_from(get, files);
 }
 
 } // namespace tav

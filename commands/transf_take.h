@@ -3,6 +3,7 @@
 
 #include "commands/transf.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -30,8 +31,15 @@ struct TransfFiles {
     std::vector<FileListRecord> lists; // one per directory, owned; never empty after success
 };
 
+// Gets the bytes of one form; false when it is not offered or does not come.
+using TransfGet = std::function<bool(const char *mime, std::string &bytes)>;
+
 // Takes the packed form, else the GNOME form, else the URI list with the KDE mark; a form that is
-// malformed counts as missing. 0, or -1 (files untouched) when there is no file.
+// malformed counts as missing, and one that is not needed is not asked for. 0, or -1 (files
+// untouched) when there is no file.
+int transf_take_from(const TransfGet &get, TransfFiles &files);
+
+// The same for forms that are there already.
 int transf_take(const TransfForms &forms, TransfFiles &files);
 
 } // namespace tav

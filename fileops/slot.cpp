@@ -2,6 +2,7 @@
 #include "fileops/slot.h"
 
 #include "fileops/slot_ask.h"
+#include "fileops/slot_wait.h"
 #include "fileops/slot_window.h"
 #include "platform/child.h"
 #include "platform/namesake.h"
@@ -168,8 +169,10 @@ void slot_timer()
         slot_ask_close(pane);
         slot_remove(pane);
     }
-    if (!panes.empty())
+    if (!panes.empty()) {
         x_call(gSlotHooks.refresh, x_refresh);
+        slot_wait_next();
+    }
     x_show_progress();
     if (!panes.empty() && sSlots.empty() && base_window_closed != 0)
         x_end_program();
@@ -221,6 +224,7 @@ void slot_finish_all()
 
 void slot_terminate_all()
 {
+    slot_wait_drop();
     if (sSlots.empty()) {
         x_end_program();
         return;

@@ -35,9 +35,10 @@ struct FlHooks {
     void (*cut_fetch)();                         // before the rows are rebuilt
     bool (*cut_any)();                           // any file is cut
     bool (*is_cut)(const std::string &directory, std::string_view name);
-    void (*drag_start)(); // the pointer left with the selection held
-    // A drag is over the list; index: the entry under it, or DIR_NONE. Whether it may be dropped
-    // there; sets the action that the pointer shows.
+    void (*drag_start)();                           // the pointer left with the selection held
+    bool (*drop_is_files)(const QDropEvent &event); // what is dragged over the list are files
+    // A drag of files is over the list; index: the entry under it, or DIR_NONE. Whether it may be
+    // dropped there; sets the action that the pointer shows.
     bool (*drop_accepts)(QDropEvent &event, int index);
     // It was dropped. index: the directory or ".." (DIR_PARENT) dropped on, DIR_NONE for the list
     // itself.

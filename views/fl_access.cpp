@@ -61,6 +61,8 @@ QString FlRowAccess::text(QAccessible::Text kind) const
     if (kind != QAccessible::Description || index < 0)
         return {};
     QStringList columns;
+    if (fl_row_image(index) == FL_IMAGE_CUT)
+        columns << FlView::tr("cut");
     for (int column = FL_COLUMN_SIZE; column <= FL_COLUMNS; ++column)
         columns << shown_text(fl_row_column(index, column)).trimmed();
     columns.removeAll(QString());

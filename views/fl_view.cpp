@@ -4,6 +4,7 @@
 #include "model/dir.h"
 #include "views/fl.h"
 #include "views/fl_access.h"
+#include "views/fl_drag.h"
 #include "views/fl_header.h"
 #include "views/fl_input.h"
 #include "views/fl_mouse.h"
@@ -25,6 +26,7 @@ namespace tav {
 namespace {
 
 constexpr int sScrollPeriod = 40; // milliseconds between two steps while the pointer is outside
+constexpr int sDragScrollPeriod = 100; // the same while a drag is near an edge
 
 } // namespace
 
@@ -97,6 +99,7 @@ void FlView::show_row(int row)
 void FlView::rows_changed()
 {
     update_ranges();
+    fl_drag_rows_changed(*this);
     viewport()->update();
 }
 
@@ -163,8 +166,18 @@ void FlView::changeEvent(QEvent *event)
     }
 }
 
+void FlView::set_drag_scroll(bool on)
+{
+    if (!on)
+        m_drag_scroll.stop();
+    else if (!m_drag_scroll.isActive())
+        m_drag_scroll.start(sDragScrollPeriod, this);
+}
+
 void FlView::timerEvent(QTimerEvent *event)
 {
+    if (event->timerId() == m_drag_scroll.timerId())
+        return fl_drag_scroll(*this);
     if (event->timerId() != m_autoscroll.timerId())
         return QAbstractScrollArea::timerEvent(event);
     const int y = m_pointer.y();
@@ -259,29 +272,10 @@ void FlView::focusOutEvent(QFocusEvent *event)
     viewport()->update();
 }
 
-void FlView::dragEnterEvent(QDragEnterEvent *event) { dragMoveEvent(event); }
-
-void FlView::dragMoveEvent(QDragMoveEvent *event)
-{
-    const int row = row_at(event->position().toPoint());
-    const int index = row < 0 ? DIR_NONE : fl_row_index(row);
-    const bool target = fl_takes_drop(index);
-    const bool taken =
-        gFlHooks.drop_accepts && gFlHooks.drop_accepts(*event, target ? index : DIR_NONE);
-    set_drop_row(taken && target ? row : -1);
-    event->setAccepted(taken);
-}
-
-void FlView::dragLeaveEvent(QDragLeaveEvent *) { set_drop_row(-1); }
-
-void FlView::dropEvent(QDropEvent *event)
-{
-    const int row = row_at(event->position().toPoint());
-    const int index = row < 0 ? DIR_NONE : fl_row_index(row);
-    set_drop_row(-1);
-    if (gFlHooks.drop)
-        gFlHooks.drop(*event, fl_takes_drop(index) ? index : DIR_NONE);
-}
+void FlView::dragEnterEvent(QDragEnterEvent *event) { fl_dnd_cb(*this, *event); }
+void FlView::dragMoveEvent(QDragMoveEvent *event) { fl_dnd_cb(*this, *event); }
+void FlView::dragLeaveEvent(QDragLeaveEvent *event) { fl_dnd_cb(*this, *event); }
+void FlView::dropEvent(QDropEvent *event) { fl_dnd_cb(*this, *event); }
 
 void FlView::set_drop_row(int row)
 {

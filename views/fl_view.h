@@ -42,6 +42,8 @@ public:
     void fit_column(int column); // makes it as wide as its widest text
 
     int drop_row() const { return m_drop_row; } // the row that a drop would hit, -1 none
+    void set_drop_row(int row);
+    void set_drag_scroll(bool on); // calls fl_drag_scroll now and then
 
     // The rectangle pulled up from empty space, in pixels of the contents; an empty one hides it.
     void show_band(const QRect &area);
@@ -76,11 +78,11 @@ private:
     void update_metrics();
     void update_ranges();
     void place_header();
-    void set_drop_row(int row);
 
     FlHeader *m_header;
     QRubberBand *m_band = nullptr; // made when first pulled up
     QBasicTimer m_autoscroll;
+    QBasicTimer m_drag_scroll;
     QPoint m_pointer; // where a held button was last, in the viewport's pixels
     std::array<QIcon, FL_IMAGES> m_images;
     int m_row_height = 20;
