@@ -271,6 +271,51 @@ private Q_SLOTS:
         QCOMPARE(x_form("text/plain"), QByteArray("words"));
     }
 
+    void names_taken_out_stay_out_when_the_same_cut_comes_back()
+    {
+        x_other_instance(transf_make(from(), {"a", "b", "c"}), true, TransfId{'5'});
+        QCOMPARE(file_uncut(from().c_str(), "a"), 1);
+        x_other_instance(transf_make(from(), {"a", "b"}), true, TransfId{'5'}); // c went elsewhere
+        QVERIFY(!cut_image("a") && cut_image("b") && !cut_image("c"));
+        auto names = [] {
+            TransfOffer rest;
+            const int taken = transf_unpack(x_form(TRANSF_MIME).toStdString(), rest);
+            return taken == 0 ? int(rest.list.count) : -1;
+        };
+        QTRY_COMPARE(names(), 1); // and the clipboard learns of it
+        x_other_instance(transf_make(from(), {"a", "b"}), true, TransfId{'6'});
+        QVERIFY(cut_image("a")); // another cut is another matter
+    }
+
+    void removing_a_directory_takes_out_what_was_cut_in_it()
+    {
+        x_other_instance(transf_make(from(), {"a", "b"}), true, TransfId{'7'});
+        QCOMPARE(file_uncut(m_dir->path().c_str(), "to"), 0);
+        QCOMPARE(file_uncut(m_dir->path().c_str(), "from"), 1);
+        QTRY_VERIFY(x_clipboard()->mimeData()->formats().isEmpty());
+    }
+
+    void window_that_was_told_nothing_looks_when_it_gets_the_focus()
+    {
+        {
+            const QSignalBlocker deaf(x_clipboard());
+            x_other_instance(transf_make(from(), {"a"}), true, TransfId{'8'});
+        }
+        QVERIFY(!cut_image("a"));
+        Q_EMIT qApp->applicationStateChanged(Qt::ApplicationActive);
+        QVERIFY(cut_image("a"));
+    }
+
+    void a_form_that_is_not_ours_after_all_leaves_room_for_the_next()
+    {
+        const QByteArray base = "file://" + QByteArray::fromStdString(from());
+        x_foreign({{TRANSF_MIME, QByteArray("TAVL\2\0\0\0", 8)},
+                   {"text/uri-list", base + "/a\r\n"},
+                   {"application/x-kde-cutselection", "1"}});
+        QVERIFY(clip_files() && clip_files()->cut);
+        QVERIFY(cut_image("a"));
+    }
+
     void offer_owns_its_names()
     {
         fl_select("a", FL_EXACT);

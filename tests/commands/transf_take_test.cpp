@@ -116,3 +116,34 @@ TEST(TransfMarks, RemovingBlanksTheName)
     transf_marks_clear(marks);
     EXPECT_FALSE(transf_marks_has(marks, "/a", "2"));
 }
+
+TEST(TransfMarks, RemovingATreeTakesWhatIsInAndBelowIt)
+{
+    TransfForms forms;
+    forms.gnome = "cut\nfile:///a/1\nfile:///a/b/2\nfile:///a/b/c/3\nfile:///a/bc/4";
+    TransfFiles files;
+    ASSERT_EQ(transf_take(forms, files), 0);
+    TransfMarks marks;
+    transf_marks_set(marks, files);
+    EXPECT_TRUE(transf_marks_remove_tree(marks, "/a/b"));
+    EXPECT_FALSE(transf_marks_remove_tree(marks, "/a/b"));
+    EXPECT_TRUE(transf_marks_has(marks, "/a", "1"));
+    EXPECT_FALSE(transf_marks_has(marks, "/a/b", "2"));
+    EXPECT_FALSE(transf_marks_has(marks, "/a/b/c", "3"));
+    EXPECT_TRUE(transf_marks_has(marks, "/a/bc", "4"));
+    EXPECT_EQ(marks.left, 2u);
+}
+
+TEST(TransfTake, FormsThatAreNotNeededAreNotAskedFor)
+{
+    const TransfForms forms = x_all_forms();
+    std::vector<std::string> asked;
+    TransfFiles files;
+    auto get = [&](const char *mime, std::string &bytes) {
+        asked.emplace_back(mime);
+        bytes = forms.gnome;
+        return asked.back() == TRANSF_MIME_GNOME;
+    };
+    ASSERT_EQ(transf_take_from(get, files), 0);
+    EXPECT_THAT(asked, ElementsAre(TRANSF_MIME, TRANSF_MIME_GNOME));
+}

@@ -3,6 +3,7 @@
 #include "fileops/fop_sys.h"
 #include "fileops/slot.h"
 #include "fileops/slot_ask.h"
+#include "fileops/slot_wait.h"
 #include "platform/ui_gate.h"
 #include "support/boxes.h"
 
@@ -176,6 +177,47 @@ private Q_SLOTS:
         boxes_standing()[0]->close();
         for (QFrame *pane : panes())
             part<QPushButton>(pane, "slot_pause")->setChecked(false);
+    }
+
+    void what_waits_for_a_slot_starts_when_one_is_free()
+    {
+        sHold = true;
+        for (int i = 0; i < SLOT_MAX; i++) { // each to a place of its own, so that none asks
+            const std::string to = "dst" + std::to_string(i);
+            ::mkdir(path(to.c_str()).c_str(), 0755);
+            QCOMPARE(start(FOP_COPY, "a", to.c_str()), 0);
+        }
+        for (const char *name : {"a", "b"})
+            slot_wait([this, name] { start(FOP_COPY, name); });
+        QCOMPARE(slot_waiting(), 2);
+        QCOMPARE(boxes_standing().size(), 1); // one for all that wait
+        QCOMPARE(boxes_text(boxes_standing()[0]),
+                 QStringLiteral("50 operations run at a time.\nThe others start as these end."));
+        QPointer<QWidget> box = boxes_standing()[0];
+        sHold = false;
+        QTRY_COMPARE_WITH_TIMEOUT(slot_waiting(), 0, 20000);
+        QTRY_VERIFY(!box); // nothing waits, nothing is to be told
+        wait_all_gone();
+        QCOMPARE(read("dst/a"), QByteArray("new"));
+        QCOMPARE(read("dst/b"), QByteArray("new"));
+    }
+
+    void what_waits_is_given_up_by_abort_or_at_the_end()
+    {
+        sHold = true;
+        for (int i = 0; i < SLOT_MAX; i++)
+            QCOMPARE(start(FOP_COPY, "a"), 0);
+        slot_wait([this] { start(FOP_COPY, "b"); });
+        boxes_button(boxes_standing()[0], QStringLiteral("&Abort"))->click();
+        QCOMPARE(slot_waiting(), 0);
+        slot_wait([this] { start(FOP_COPY, "b"); });
+        boxes_button(boxes_standing()[0], QStringLiteral("&Continue"))->click();
+        QCOMPARE(slot_waiting(), 1);
+        slot_terminate_all();
+        QCOMPARE(slot_waiting(), 0);
+        sHold = false;
+        wait_all_gone();
+        QCOMPARE(read("dst/b"), QByteArray("(none)"));
     }
 
     void a_job_that_cannot_start_leaves_no_slot()

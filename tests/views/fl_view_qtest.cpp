@@ -336,6 +336,7 @@ private Q_SLOTS:
         fl_setpath(m_dir->path().c_str());
         static std::vector<int> sDropped;
         sDropped.clear();
+        gFlHooks.drop_is_files = [](const QDropEvent &) { return true; };
         gFlHooks.drop_accepts = [](QDropEvent &, int) { return true; };
         gFlHooks.drop = [](QDropEvent &, int index) { sDropped.push_back(index); };
         const QMimeData data;
@@ -358,6 +359,7 @@ private Q_SLOTS:
         m_dir->dir("d");
         m_dir->file("f");
         fl_setpath(m_dir->path().c_str());
+        gFlHooks.drop_is_files = [](const QDropEvent &) { return true; };
         gFlHooks.drop_accepts = [](QDropEvent &, int) { return true; };
         const QMimeData data;
         QDragEnterEvent enter(m_window->at(0), Qt::MoveAction, &data, Qt::LeftButton,
