@@ -129,6 +129,19 @@ void config_list_font()
     x_choose_font(sForm.clist_font, sForm.clist_select, "Select File List Font");
 }
 
+// Tab comes to the button that is set, not to the first of its group: a key pressed there would
+// change the setting.
+void x_lead_tab_to_choices()
+{
+    for (QRadioButton *button : sDialog->findChildren<QRadioButton *>()) {
+        const auto lead = [button](bool set) {
+            button->setFocusPolicy(set ? Qt::StrongFocus : Qt::ClickFocus);
+        };
+        lead(button->isChecked());
+        QObject::connect(button, &QRadioButton::toggled, button, lead);
+    }
+}
+
 void config_setup()
 {
     sForm.cto->setText(QString::number(gConfig->key_timeout));
@@ -142,6 +155,7 @@ void config_setup()
     x_show_choice(SINGLE);
     x_show_choice(MULTIPLE);
     x_show_choice(INDIVIDUAL);
+    x_lead_tab_to_choices();
 }
 
 // The leading decimal number of a text, 0 without one; what no int holds becomes the nearest that

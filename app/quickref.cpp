@@ -11,6 +11,7 @@
 
 #include <QHeaderView>
 #include <QPointer>
+#include <QScreen>
 
 namespace tav {
 namespace {
@@ -105,8 +106,15 @@ void x_shape(QTreeWidget *list)
     for (int column = 0; column < COLUMNS; column++)
         list->header()->setSectionResizeMode(
             column, column == COMMAND ? QHeaderView::Stretch : QHeaderView::ResizeToContents);
-    list->setMinimumSize(CHARACTERS_SHOWN / 2 * list->fontMetrics().averageCharWidth(),
-                         ROWS_SHOWN / 3 * list->fontMetrics().height());
+}
+
+// As large as is good to read, but no larger than the screen.
+void x_size(QDialog *dialog)
+{
+    const QFontMetrics metrics = dialog->fontMetrics();
+    const QSize wanted(CHARACTERS_SHOWN * metrics.averageCharWidth(),
+                       (ROWS_SHOWN + 6) * metrics.height());
+    dialog->resize(wanted.boundedTo(dialog->screen()->availableGeometry().size() * 9 / 10));
 }
 
 } // namespace
@@ -125,10 +133,9 @@ int help_quickref(QWidget *)
     QObject::connect(form.quickref_find, &QLineEdit::textChanged, dialog,
                      [form](const QString &text) { x_find(form, text); });
     QObject::connect(form.quickref_done, &QPushButton::clicked, dialog, &QDialog::accept);
+    QObject::connect(dialog, &QDialog::finished, gBase, [] { gBase->activateWindow(); });
     dialog->setAttribute(Qt::WA_DeleteOnClose);
-    const QFontMetrics metrics = dialog->fontMetrics();
-    dialog->resize(CHARACTERS_SHOWN * metrics.averageCharWidth(),
-                   (ROWS_SHOWN + 6) * metrics.height());
+    x_size(dialog);
     form.quickref_find->setFocus();
     wcenter(gBase, dialog);
     dialog->show();

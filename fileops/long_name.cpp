@@ -6,6 +6,7 @@
 
 #include <QDialog>
 #include <QPushButton>
+#include <algorithm>
 #include <fcntl.h>
 
 namespace tav {
@@ -16,23 +17,27 @@ std::string x_last_component(const std::string &path)
     return path.substr(path.rfind('/') + 1); // npos + 1 is the beginning
 }
 
-// Shows the long name and the proposed one, which gets the keyboard.
-void long_filename_setup(Ui::long_filename_dlg &form, const std::string &source,
-                         const std::string &dest)
+// Shows the long name and the proposed one, which gets the keyboard. The proposed one.
+std::string long_filename_setup(Ui::long_filename_dlg &form, const std::string &source,
+                                const std::string &dest)
 {
     const std::string oldfile = long_name_cut(x_last_component(source), LONG_NAME_OLD);
     const std::string newfile = long_name_cut(x_last_component(dest), LONG_NAME_NEW);
     form.long_filename_oldname->setText(shown_text(oldfile));
     form.long_filename_oldname->setCursorPosition(0);
-    form.long_filename_newname->setText(shown_text(newfile));
+    const QString shown = shown_text(newfile); // a byte may take more than one character
+    const qsizetype most = std::max(static_cast<qsizetype>(LONG_NAME_NEW), shown.size());
+    form.long_filename_newname->setMaxLength(static_cast<int>(most));
+    form.long_filename_newname->setText(shown);
     form.long_filename_newname->setFocus();
+    return newfile;
 }
 
-// Takes the entered text. Only a bare name: what it stands in is the shown directory, which this
+// Takes the entered name. Only a bare one: what it stands in is the shown directory, which this
 // thread alone knows and changes.
-bool long_filename_rename(const QString &text, FopPlace &place)
+bool long_filename_rename(const std::string &entered, FopPlace &place)
 {
-    const std::string name = long_name_cut(text.toStdString(), LONG_NAME_NEW);
+    const std::string name = long_name_cut(entered, LONG_NAME_NEW);
     if (name.empty() || name == "." || name == ".." || name.find('/') != std::string::npos)
         return false;
     place.dir_fd = ::open(".", O_PATH | O_DIRECTORY | O_CLOEXEC);
@@ -63,11 +68,12 @@ QWidget *long_name_open(const std::string &source, const std::string &dest, FopP
     Ui::long_filename_dlg form;
     form.setupUi(dialog);
     dialog->setMinimumWidth(60 * dialog->fontMetrics().averageCharWidth());
-    long_filename_setup(form, source, dest);
+    const std::string proposed = long_filename_setup(form, source, dest);
     QObject::connect(form.long_filename_cancel, &QPushButton::clicked, dialog, &QDialog::reject);
     QObject::connect(form.long_filename_ok, &QPushButton::clicked, dialog,
-                     [dialog, field = form.long_filename_newname, &place] {
-                         const bool renamed = long_filename_rename(field->text(), place);
+                     [dialog, field = form.long_filename_newname, proposed, &place] {
+                         const std::string name = shown_edited(proposed, field->text());
+                         const bool renamed = long_filename_rename(name, place);
                          dialog->done(renamed ? QDialog::Accepted : QDialog::Rejected);
                      });
     QObject::connect(dialog, &QDialog::finished, dialog,

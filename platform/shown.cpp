@@ -1,10 +1,13 @@
 // Bytes of names made into text that can be shown, and nothing else.
 #include "platform/shown.h"
 
+#include <vector>
+
 namespace tav {
 namespace {
 
 constexpr char32_t INVALID = 0xFFFFFFFF;
+constexpr qsizetype EDITED_MOST = 4096; // characters of a text that may still be a name
 
 bool x_is_plain(std::string_view bytes)
 {
@@ -74,6 +77,61 @@ void x_append(QString &text, char32_t c, unsigned char byte)
         text += QString::fromUcs4(&c, 1);
 }
 
+// A character of a name, or a byte that is none, and how it is shown.
+struct Piece {
+    std::string_view bytes;
+    QString shown;
+};
+
+std::vector<Piece> x_pieces(std::string_view bytes)
+{
+    std::vector<Piece> pieces;
+    for (size_t at = 0; at < bytes.size();) {
+        const size_t begin = at;
+        const auto byte = static_cast<unsigned char>(bytes[at]);
+        const char32_t c = x_decode(bytes, at);
+        pieces.push_back({bytes.substr(begin, at - begin), {}});
+        x_append(pieces.back().shown, c, byte);
+    }
+    return pieces;
+}
+
+// How many characters of a text can be pieces of the name, in their order, counted from piece i and
+// character j on.
+class Kept {
+public:
+    Kept(const std::vector<Piece> &pieces, QStringView text)
+        : m_pieces(pieces), m_text(text), m_width(text.size() + 1),
+          m_counts((pieces.size() + 1) * static_cast<size_t>(m_width))
+    {
+        for (size_t i = pieces.size(); i-- > 0;)
+            for (qsizetype j = text.size(); j-- > 0;)
+                at(i, j) = std::max({at(i + 1, j), at(i, j + 1), with(i, j)});
+    }
+
+    // Whether the piece stands at that character, nothing being lost by taking it for itself.
+    bool is_here(size_t i, qsizetype j) { return with(i, j) > 0 && with(i, j) == at(i, j); }
+    // Whether the character is new, nothing being lost by leaving it out.
+    bool is_new(size_t i, qsizetype j) { return at(i, j) == at(i, j + 1); }
+
+private:
+    int &at(size_t i, qsizetype j)
+    {
+        return m_counts[i * static_cast<size_t>(m_width) + static_cast<size_t>(j)];
+    }
+    int with(size_t i, qsizetype j)
+    {
+        const QString &shown = m_pieces[i].shown;
+        const auto length = static_cast<int>(shown.size());
+        return m_text.mid(j).startsWith(shown) ? length + at(i + 1, j + length) : 0;
+    }
+
+    const std::vector<Piece> &m_pieces;
+    QStringView m_text;
+    qsizetype m_width; // of a row of m_counts
+    std::vector<int> m_counts;
+};
+
 } // namespace
 
 QString shown_text(std::string_view bytes)
@@ -87,6 +145,29 @@ QString shown_text(std::string_view bytes)
         x_append(text, x_decode(bytes, at), byte);
     }
     return text;
+}
+
+std::string shown_edited(std::string_view before, const QString &text)
+{
+    if (text.size() > EDITED_MOST || shown_text(before).toStdString() == before)
+        return text.toStdString();
+    const std::vector<Piece> pieces = x_pieces(before);
+    Kept kept(pieces, text);
+    std::string bytes;
+    QString typed; // since the last piece
+    size_t i = 0;
+    for (qsizetype j = 0; j < text.size();) {
+        if (i == pieces.size() || (!kept.is_here(i, j) && kept.is_new(i, j))) {
+            typed += text[j++];
+        } else if (kept.is_here(i, j)) {
+            bytes.append(typed.toStdString()).append(pieces[i].bytes);
+            typed.clear();
+            j += pieces[i++].shown.size();
+        } else {
+            i++;
+        }
+    }
+    return bytes + typed.toStdString();
 }
 
 QString shown_label(std::string_view bytes)

@@ -92,7 +92,10 @@ void wcenter(const QWidget *ref, QWidget *widget)
         return;
     const QRect visible = screen->availableGeometry();
     const QRect over = ref ? ref->window()->frameGeometry() : visible;
-    widget->move(wcenter_place(over, widget->frameGeometry().size(), visible));
+    QSize size = widget->frameGeometry().size();
+    if (ref && !widget->isVisible()) // has no frame yet, but will have one like the other's
+        size = widget->size() + over.size() - ref->window()->size();
+    widget->move(wcenter_place(over, size, visible));
 }
 
 QWidget *wrecursive_find_child_class(QWidget *widget, const char *class_name)

@@ -155,7 +155,7 @@ void x_prop_setup_multi()
 }
 
 // The bytes of a text field that was edited, empty for one that was not: what is only shown (a cut
-// user name, a name that is no UTF-8) is not written back.
+// user name) is not written back.
 std::string x_edited(const QLineEdit *field)
 {
     if (!field->isModified())
@@ -167,8 +167,8 @@ PropChange x_change()
 {
     PropChange change;
     const bool one = sProp.summary.one >= 0;
-    if (one)
-        change.name = x_edited(sProp.form.pr_name);
+    if (one && sProp.form.pr_name->isModified())
+        change.name = shown_edited(sProp.summary.first, sProp.form.pr_name->text());
     change.owner = x_edited(sProp.form.pr_owner);
     change.group = x_edited(sProp.form.pr_group);
     change.bits = _get_mode();

@@ -148,6 +148,24 @@ private Q_SLOTS:
         QCOMPARE(gConfig->flags & ~group, (CONFIG_DEFAULT_FLAGS | CONFIG_MARKER) & ~group);
     }
 
+    void keys_choose_within_a_group()
+    {
+        x_open();
+        QTRY_COMPARE(QApplication::activeWindow(), dialog_up(DIALOG));
+        auto *set = dialog_find<QRadioButton>(DIALOG, "rm_i_prompt_nowr");
+        for (int i = 0; i < 20 && !set->hasFocus(); i++)
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QVERIFY(set->hasFocus() && set->isChecked());
+        QTest::keyClick(set, Qt::Key_Down);
+        QVERIFY(x_is_set("rm_i_no_prompt"));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QVERIFY(dialog_find<QPushButton>(DIALOG, "config_done")->hasFocus());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+        QVERIFY(dialog_find<QRadioButton>(DIALOG, "rm_i_no_prompt")->hasFocus());
+        x_done();
+        QCOMPARE(gConfig->flags & 0x1C00, 0x1000U);
+    }
+
     void hiding_dot_files_takes_effect_at_once_and_in_the_menus()
     {
         gOptions = ~0x400U;

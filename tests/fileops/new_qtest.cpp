@@ -1,5 +1,6 @@
 // The dialog for a new file or folder.
 #include "commands/fm_dlg.h"
+#include "fileops/long_name.h"
 #include "fileops/new_dlg.h"
 #include "support/dialogs.h"
 #include "support/ordinary.h"
@@ -254,6 +255,24 @@ private Q_SLOTS:
         QCOMPARE(said_to(QStringLiteral("<b>&x")),
                  QStringLiteral("Error: File or directory '<b>&x' already exists"));
         dialog_click("new_dlg", "new_cancel");
+    }
+
+    void a_proposed_name_that_is_no_text_keeps_its_bytes()
+    {
+        const std::string proposed = "\xE9\n" + std::string(40, '\xE8') + ".c";
+        FopPlace place;
+        bool accepted = false;
+        long_name_open("/from/" + proposed, "/to/" + proposed, place,
+                       [&accepted](bool given) { accepted = given; });
+        auto *field = dialog_find<QLineEdit>("long_filename_dlg", "long_filename_newname");
+        QVERIFY(field->text().startsWith(QStringLiteral("\\xE9\u240A\\xE8")));
+        QTest::keyClick(field, Qt::Key_End);
+        QTest::keyClick(field, Qt::Key_Backspace);
+        QTest::keyClicks(field, QStringLiteral("h"));
+        QTest::keyClick(field, Qt::Key_Return);
+        QVERIFY(accepted);
+        QCOMPARE(place.name, "\xE9\n" + std::string(40, '\xE8') + ".h");
+        close(place.dir_fd);
     }
 
     void opening_twice_shows_one_dialog()

@@ -65,6 +65,63 @@ private Q_SLOTS:
         QCOMPARE(shown_label("a&b&&c"), QStringLiteral("a&&b&&&&c"));
     }
 
+    void what_was_not_edited_keeps_its_bytes_data()
+    {
+        QTest::addColumn<QByteArray>("before");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QByteArray>("after");
+        const auto row = [](const char *what, const char *before, const QString &text,
+                            const char *after) {
+            QTest::newRow(what) << QByteArray(before) << text << QByteArray(after);
+        };
+        row("plain", "ab.c", QStringLiteral("\u00E4b.c"),
+            "\xC3\xA4"
+            "b.c");
+        row("untouched", "caf\xE9\n", QStringLiteral("caf\\xE9\u240A"), "caf\xE9\n");
+        row("behind", "caf\xE9.c", QStringLiteral("caf\\xE9.h"), "caf\xE9.h");
+        row("before", "caf\xE9.c", QStringLiteral("the caf\\xE9.c"), "the caf\xE9.c");
+        row("on both sides", "caf\xE9.c", QStringLiteral("one caf\\xE9 two"), "one caf\xE9 two");
+        row("nothing but the byte is left", "caf\xE9.c", QStringLiteral("\\xE9"), "\xE9");
+        row("between two", "\xE9-\xE8", QStringLiteral("\\xE9+\\xE8"), "\xE9+\xE8");
+        row("one of two goes", "\xE9\xE8", QStringLiteral("\\xE8"), "\xE8");
+        row("the first of three goes",
+            "\xE9"
+            "a\xE8"
+            "b\xE9",
+            QStringLiteral("a\\xE8b\\xE9"),
+            "a\xE8"
+            "b\xE9");
+        row("mended", "caf\xE9", QStringLiteral("caf\u00E9"), "caf\xC3\xA9");
+        row("all typed anew", "caf\xE9", QStringLiteral("tea"), "tea");
+        row("emptied", "caf\xE9", QString(), "");
+        row("hidden",
+            "a\xE2\x80\x8B"
+            "b",
+            QStringLiteral("a\\u200Bc"),
+            "a\xE2\x80\x8B"
+            "c");
+        row("what only looks like a byte", "a\\xE9\xE9", QStringLiteral("b\\xE9\\xE9"),
+            "b\\xE9\xE9");
+        row("an escape broken by hand is text", "caf\xE9", QStringLiteral("caf\\xE"), "caf\\xE");
+        row("beyond the BMP", "\xE9\xF0\x9F\x98\x80", QStringLiteral("x\\xE9\U0001F600\U0001F601"),
+            "x\xE9\xF0\x9F\x98\x80\xF0\x9F\x98\x81");
+    }
+    void what_was_not_edited_keeps_its_bytes()
+    {
+        QFETCH(QByteArray, before);
+        QFETCH(QString, text);
+        QFETCH(QByteArray, after);
+        QCOMPARE(shown_edited(before.toStdString(), text), after.toStdString());
+        QCOMPARE(shown_edited(before.toStdString(), shown_text(before.toStdString())),
+                 before.toStdString());
+    }
+
+    void a_text_that_is_no_name_any_more_comes_back_as_it_is()
+    {
+        const QString text(100'000, QLatin1Char('x'));
+        QCOMPARE(shown_edited("caf\xE9", text), text.toStdString());
+    }
+
     void any_bytes_can_be_shown()
     {
         std::mt19937 random(7);

@@ -211,6 +211,19 @@ private Q_SLOTS:
         QCOMPARE(case_->dir.mode("caf\xE9\n"), mode_t(0645));
     }
 
+    void a_name_that_is_no_text_keeps_what_was_not_edited()
+    {
+        case_->dir.file("caf\xE9\n.c");
+        case_->open({"caf\xE9\n.c"});
+        QLineEdit *field = prop_field("pr_name");
+        QTest::keyClick(field, Qt::Key_End);
+        QTest::keyClick(field, Qt::Key_Backspace);
+        QTest::keyClicks(field, QStringLiteral("txt"));
+        prop_click_done();
+        QVERIFY(case_->dir.has("caf\xE9\n.txt"));
+        QCOMPARE(entry_name(gDir.current), std::string("caf\xE9\n.txt"));
+    }
+
     void an_entry_that_vanished_is_reported_and_the_others_are_done()
     {
         case_->dir.file("a", 0, 0644);
