@@ -13,8 +13,10 @@
 #include "commands/em.h"
 #include "commands/fm.h"
 #include "commands/fm_dlg.h"
+#include "commands/misc.h"
 #include "commands/misc_ui.h"
 #include "commands/transf.h"
+#include "fileops/delete_dlg.h"
 #include "fileops/fop.h"
 #include "fileops/new_dlg.h"
 #include "fileops/slot.h"
@@ -96,6 +98,10 @@ void x_fill_hooks()
     gTbHooks.erase = em_delete;
     gTbHooks.new_folder = fm_new_folder;
     gTbHooks.properties = fm_inspect;
+    gDeleteHooks.walktree = misc_walktree;
+    gDeleteHooks.block = misc_block;
+    gDeleteHooks.refresh = fl_refresh;
+    gDeleteHooks.go_to = [](const char *name) { fl_goto(name, 0, FL_EXACT); };
     gNewHooks.refresh = fl_refresh;
     gNewHooks.show = fm_show_new;
     gPropHooks.filetype = fm_filetype;
