@@ -61,12 +61,6 @@ DirGroup *fop_group_new(FileOp *job, int count)
 
 namespace {
 
-// "." and ".." are no items: taken as names they would reach outside the source directory.
-bool x_is_dots(const char *name)
-{
-    return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
-}
-
 int x_first_group(FileOp *job, const FopRequest &request)
 {
     job->groups = static_cast<DirGroup **>(fop_alloc(job, sizeof(DirGroup *)));
@@ -78,7 +72,8 @@ int x_first_group(FileOp *job, const FopRequest &request)
         return -1;
     for (int i = 0; i < request.count; i++) {
         const char *name = request.names[i] ? request.names[i] : "";
-        group->names[i] = fop_strdup(job, x_is_dots(name) ? "" : name);
+        // Taken as names, "." and ".." would reach outside the source directory.
+        group->names[i] = fop_strdup(job, fop_sys_is_dots(name) ? "" : name);
         if (!group->names[i])
             return -1;
     }
@@ -202,10 +197,12 @@ void *fop_thread(void *argument)
 {
     auto *job = static_cast<FileOp *>(argument);
     job->thread = pthread_self(); // here: after the start the job may be gone already
-    if (x_work(job))
-        fop_update_info(job, {nullptr, "Done", "", "", "", 100, FOP_TIME_BLANK});
+    bool done = x_work(job);
     job->dirs.reset();
-    gFopSys.delay(FOP_DONE_MS);
+    if (done) {
+        fop_update_info(job, {nullptr, "Done", "", "", "", 100, FOP_TIME_BLANK});
+        gFopSys.delay(FOP_DONE_MS);
+    }
     if (job->report->mark_removed)
         job->report->mark_removed(job);
     fop_free(job);

@@ -84,14 +84,14 @@ int fop_alert(FileOp *job, const char *title, const char *buttons, const char *f
     return x_alert(job, title, buttons, std::move(text));
 }
 
-int fop_ask_error(FileOp *job, const char *format, ...)
+FopCopied fop_ask_error(FileOp *job, const char *format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
     std::string text = x_format(format, arguments);
     va_end(arguments);
-    return x_alert(job, "Copy/Move", "&Continue|&Abort", std::move(text)) == FOP_ANSWER_ABORT ? -1
-                                                                                              : 1;
+    int answer = x_alert(job, "Copy/Move", "&Continue|&Abort", std::move(text));
+    return answer == FOP_ANSWER_ABORT ? FOP_END : FOP_SKIPPED;
 }
 
 void fop_errinfo(FileOp *job, const char *title, const char *format, ...)

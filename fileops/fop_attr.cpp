@@ -3,10 +3,9 @@
 
 #include "fileops/fop_sys.h"
 
-#include <cstdio>
+#include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <sys/xattr.h>
 #include <vector>
 
 namespace tav {
@@ -15,53 +14,30 @@ namespace {
 constexpr size_t LIST_SIZE = 1024;
 constexpr char ACL_NAME[] = "system.posix_acl_access";
 
-// Descriptors may be O_PATH, which the f-calls do not take: those go by the descriptor's own name.
-struct Self {
-    char path[40];
-    explicit Self(int fd) { std::snprintf(path, sizeof path, "/proc/self/fd/%d", fd); }
-};
-
-ssize_t x_list(int fd, char *list, size_t size)
+// One attribute, where both sides have it: 0, or -1 with errno.
+int x_copy_one(int from, int to, const char *name)
 {
-    ssize_t length = ::flistxattr(fd, list, size);
-    return length == -1 && errno == EBADF ? ::listxattr(Self(fd).path, list, size) : length;
-}
-
-ssize_t x_get(int fd, const char *name, void *value, size_t size)
-{
-    ssize_t length = ::fgetxattr(fd, name, value, size);
-    return length == -1 && errno == EBADF ? ::getxattr(Self(fd).path, name, value, size) : length;
-}
-
-void x_set(int fd, const char *name, const void *value, size_t size)
-{
-    if (::fsetxattr(fd, name, value, size, 0) == -1 && errno == EBADF)
-        ::setxattr(Self(fd).path, name, value, size, 0);
-}
-
-void x_copy_one(int from, int to, const char *name)
-{
-    ssize_t length = x_get(from, name, nullptr, 0);
-    if (length < 0)
-        return;
-    std::vector<char> value(static_cast<size_t>(length) + 1);
-    length = x_get(from, name, value.data(), value.size());
+    ssize_t length = gFopSys.getxattr(from, name, nullptr, 0);
+    std::vector<char> value(length < 0 ? 0 : static_cast<size_t>(length) + 1);
     if (length >= 0)
-        x_set(to, name, value.data(), static_cast<size_t>(length));
+        length = gFopSys.getxattr(from, name, value.data(), value.size());
+    if (length >= 0 && gFopSys.setxattr(to, name, value.data(), static_cast<size_t>(length)) == 0)
+        return 0;
+    return fop_cannot_hold(errno) ? 0 : -1;
 }
 
-// The names of all attributes, one after another.
-std::vector<char> x_names(int from)
+// The names of all attributes, one after another: 0, or -1 with errno.
+int x_names(int from, std::vector<char> &list)
 {
-    std::vector<char> list(LIST_SIZE);
-    ssize_t length = x_list(from, list.data(), list.size());
+    list.resize(LIST_SIZE);
+    ssize_t length = gFopSys.listxattr(from, list.data(), list.size());
     for (int turn = 0; turn < 3 && length == -1 && errno == ERANGE; turn++) {
-        ssize_t wanted = x_list(from, nullptr, 0);
+        ssize_t wanted = gFopSys.listxattr(from, nullptr, 0);
         list.resize(static_cast<size_t>(wanted > 0 ? wanted : 0) + LIST_SIZE);
-        length = x_list(from, list.data(), list.size());
+        length = gFopSys.listxattr(from, list.data(), list.size());
     }
     list.resize(static_cast<size_t>(length > 0 ? length : 0));
-    return list;
+    return length >= 0 || fop_cannot_hold(errno) ? 0 : -1;
 }
 
 bool x_set_owner(const FopItem &item, int fd, const struct stat &made)
@@ -85,34 +61,69 @@ mode_t x_final_mode(const FopTarget &target, bool owner)
 
 } // namespace
 
-int fop_copy_xattrs(int from, int to, int acl_from)
+bool fop_cannot_hold(int error)
 {
-    std::vector<char> names = x_names(from);
-    int count = 0;
-    for (size_t at = 0; at < names.size(); at += std::strlen(names.data() + at) + 1, count++) {
-        const char *name = names.data() + at;
-        if (acl_from == from || std::strcmp(name, ACL_NAME) != 0)
-            x_copy_one(from, to, name);
+    switch (error) {
+    case EPERM:
+    case EACCES:
+    case EROFS:
+    case EOPNOTSUPP:
+    case ENOSYS:
+    case EINVAL:
+    case ENODATA: // it has gone meanwhile
+    case ENOSPC:  // of attributes, which have little room of their own
+    case EDQUOT:
+    case E2BIG:
+    case ERANGE:
+        return true;
+    default:
+        return false;
     }
-    if (acl_from != FOP_ACL_NONE && acl_from != from)
-        x_copy_one(acl_from, to, ACL_NAME);
-    return count;
 }
 
-bool fop_copy_attributes(const FopItem &item, int from, const FopTarget &target)
+int fop_copy_xattrs(int from, int to, int acl_from)
+{
+    std::vector<char> names;
+    if (x_names(from, names) == -1)
+        return -1;
+    for (size_t at = 0; at < names.size(); at += std::strlen(names.data() + at) + 1) {
+        const char *name = names.data() + at;
+        bool skip = acl_from != from && std::strcmp(name, ACL_NAME) == 0;
+        if (!skip && x_copy_one(from, to, name) == -1)
+            return -1;
+    }
+    bool other = acl_from != FOP_ACL_NONE && acl_from != from;
+    return other ? x_copy_one(acl_from, to, ACL_NAME) : 0;
+}
+
+namespace {
+
+// The owner and an access list may have changed the mode.
+int x_set_mode(int fd, mode_t mode)
+{
+    struct stat now;
+    if (gFopSys.fstat(fd, &now) == -1)
+        return -1;
+    if ((now.st_mode & 07777) == mode)
+        return 0;
+    return fop_retry([&] { return gFopSys.fchmod(fd, mode); });
+}
+
+} // namespace
+
+int fop_copy_attributes(const FopItem &item, int from, const FopTarget &target, bool &owner)
 {
     bool in_place = target.way == FopTarget::IN_PLACE;
-    bool owner = x_set_owner(item, target.fd, target.made);
+    owner = x_set_owner(item, target.fd, target.made);
     int acl_from = in_place ? FOP_ACL_NONE : target.replace ? target.old_fd : from;
-    fop_copy_xattrs(from, target.fd, acl_from);
-    mode_t mode = x_final_mode(target, owner);
-    // The owner and an access list may have changed the mode.
-    struct stat now;
-    if (!in_place && gFopSys.fstat(target.fd, &now) == 0 && (now.st_mode & 07777) != mode)
-        fop_retry([&] { return gFopSys.fchmod(target.fd, mode); });
+    if (fop_copy_xattrs(from, target.fd, acl_from) == -1)
+        return -1;
+    if (!in_place && x_set_mode(target.fd, x_final_mode(target, owner)) == -1 &&
+        !fop_cannot_hold(errno))
+        return -1;
     timespec times[2] = {item.status.st_atim, item.status.st_mtim};
-    fop_retry([&] { return gFopSys.utimensat(target.fd, "", times, AT_EMPTY_PATH); });
-    return !owner;
+    int timed = fop_retry([&] { return gFopSys.utimensat(target.fd, "", times, AT_EMPTY_PATH); });
+    return timed == 0 || fop_cannot_hold(errno) ? 0 : -1;
 }
 
 } // namespace tav

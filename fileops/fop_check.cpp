@@ -57,6 +57,27 @@ int x_check_single(FileOp *job, const struct stat *dest)
     return 0;
 }
 
+// The selected directories are held against the destination before anything is made or renamed;
+// those that only the scan meets are held against it there.
+int x_check_into_itself(FileOp *job)
+{
+    const DirGroup &group = *job->groups[0];
+    int dir = fop_dir(job, FOP_SOURCE, 0);
+    bool follow = job->op == FOP_COPY && (job->flags & FOP_FOLLOW); // a rename takes the link
+    int flags = follow ? 0 : AT_SYMLINK_NOFOLLOW;
+    for (int i = 0; dir != -1 && i < group.count; i++) {
+        struct stat status;
+        const char *name = group.names[i];
+        if (!name[0] || gFopSys.fstatat(dir, fop_source_name(name), &status, flags) == -1)
+            continue;
+        if (S_ISDIR(status.st_mode) && fop_is_above_dest(job, fop_id(status))) {
+            fop_errinfo(job, "File Scan", "%s", fop_into_itself(job));
+            return -1;
+        }
+    }
+    return 0;
+}
+
 int x_check_several(FileOp *job, const struct stat *dest)
 {
     const char *path = job->dest.c_str();
@@ -66,6 +87,8 @@ int x_check_several(FileOp *job, const struct stat *dest)
         fop_errinfo(job, "File Scan", "Can't copy/move multiple files into \n'%s'\n", path);
         return -1;
     }
+    if (x_check_into_itself(job) != 0)
+        return -1;
     int answer =
         fop_alert(job, "Make Directory", "&Yes|&Abort",
                   "The '%s' directory doesn't exist\nDo you want to create this directory ?", path);
@@ -75,25 +98,6 @@ int x_check_several(FileOp *job, const struct stat *dest)
         return 0;
     fop_errinfo(job, "Make Directory", "Unable to create '%s' directory\n", path);
     return -1;
-}
-
-// A move renames before it scans, so that directories are held against the destination here; those
-// that only the scan meets are held against it there.
-int x_check_into_itself(FileOp *job)
-{
-    const DirGroup &group = *job->groups[0];
-    int dir = fop_dir(job, FOP_SOURCE, 0);
-    for (int i = 0; dir != -1 && i < group.count; i++) {
-        struct stat status;
-        if (!group.names[i][0] || gFopSys.fstatat(dir, fop_source_name(group.names[i]), &status,
-                                                  AT_SYMLINK_NOFOLLOW) == -1)
-            continue;
-        if (S_ISDIR(status.st_mode) && fop_is_above_dest(job, fop_id(status))) {
-            fop_errinfo(job, "File Scan", "%s", fop_into_itself(job));
-            return -1;
-        }
-    }
-    return 0;
 }
 
 } // namespace

@@ -6,9 +6,6 @@
 
 namespace tav {
 
-// Results of copying one item.
-enum FopCopied { FOP_COPIED = 0, FOP_SKIPPED = 1, FOP_END = -1 };
-
 struct FopItem {
     FileOp *job = nullptr;
     int group = 0;
@@ -34,8 +31,8 @@ FopCopied fop_copy_regular(FopItem &item);     // fop_file.cpp
 FopCopied fop_copy_directory(FopItem &item);   // fop_tree.cpp
 FopCopied fop_finish_directory(FopItem &item); // fop_tree.cpp
 void fop_finish_modes(FileOp *job);            // every directory that still waits for its mode
-FopCopied fop_copy_link(FopItem &item);        // fop_copy.cpp
-FopCopied fop_copy_fifo(FopItem &item);        // fop_copy.cpp
+FopCopied fop_copy_link(FopItem &item);        // fop_special.cpp
+FopCopied fop_copy_fifo(FopItem &item);        // fop_special.cpp
 
 // Asks "The '%s' file exists." unless overwriting is on: FOP_COPIED to overwrite.
 FopCopied fop_ask_overwrite(const FopItem &item);
@@ -79,12 +76,15 @@ void fop_target_drop(const FopItem &item, FopTarget &target);
 // Copies the content from the current position of from; asks about failures itself (fop_data.cpp).
 FopCopied fop_copy_data(FopItem &item, int from, FopTarget &target);
 
-// Owner, extended attributes, mode and times of a regular file's copy (fop_attr.cpp). Tells whether
-// the owner could not be set. What the target cannot hold is no error.
-bool fop_copy_attributes(const FopItem &item, int from, const FopTarget &target);
+// Owner, extended attributes, mode and times of a regular file's copy (fop_attr.cpp): 0, or -1 with
+// errno. owner tells whether the owner is the source's; that it could not be set is no failure.
+int fop_copy_attributes(const FopItem &item, int from, const FopTarget &target, bool &owner);
 
-// All extended attributes; the access list comes from acl_from. Returns how many there were.
+// All extended attributes; the access list comes from acl_from. 0, or -1 with errno.
 constexpr int FOP_ACL_NONE = -1; // the access list stays as it is
 int fop_copy_xattrs(int from, int to, int acl_from);
+
+// What the target cannot hold, or this user may not set there, is no failure of a copy.
+bool fop_cannot_hold(int error);
 
 } // namespace tav

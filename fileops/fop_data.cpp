@@ -34,8 +34,6 @@ struct Data {
     size_t buffer_size;
 };
 
-FopCopied x_failed(int answer) { return answer == -1 ? FOP_END : FOP_SKIPPED; }
-
 void x_show(const Data &data)
 {
     FileOp *job = data.item.job;
@@ -55,12 +53,16 @@ FopCopied x_ask_no_space(const FopItem &item)
     return answer == 1 ? FOP_COPIED : answer == 3 ? FOP_END : FOP_SKIPPED;
 }
 
-FopCopied x_ask_writing(const FopItem &item, int error)
+FopCopied x_write_failed(const FopItem &item, int error)
 {
-    if (error == ENOSPC)
-        return x_ask_no_space(item);
-    return x_failed(fop_ask_error(item.job, "Error writing '%s'\n%s\n", item.dest.c_str(),
-                                  std::strerror(error)));
+    return fop_ask_error(item.job, "Error writing '%s'\n%s\n", item.dest.c_str(),
+                         std::strerror(error));
+}
+
+FopCopied x_read_failed(const FopItem &item, int error)
+{
+    return fop_ask_error(item.job, "Error reading '%s'\n%s\n", item.source.c_str(),
+                         std::strerror(error));
 }
 
 // Whether the error says that the kernel's own copying is of no use here at all.
@@ -75,48 +77,54 @@ int x_begin_in_place(FopTarget &target)
 {
     if (target.way != FopTarget::IN_PLACE || target.wrote)
         return 0;
+    if (fop_retry([&] { return gFopSys.ftruncate(target.fd, 0); }) == -1)
+        return -1;
     target.wrote = true;
-    return fop_retry([&] { return gFopSys.ftruncate(target.fd, 0); });
+    return 0;
 }
 
-// Writes all of a buffer.
-FopCopied x_write(Data &data, const char *bytes, size_t size)
+// Writes all of a buffer, asking while the disk is full. Returns its size, -2 to leave the file
+// out, -1 when the job was aborted or with errno.
+ssize_t _write(Data &data, const char *bytes, size_t size)
 {
-    if (x_begin_in_place(data.target) == -1)
-        return x_ask_writing(data.item, errno);
-    while (size > 0) {
+    for (size_t at = 0; at < size;) {
         if (fop_stopped(data.item.job))
-            return FOP_END;
-        ssize_t n = fop_retry([&] { return gFopSys.write(data.target.fd, bytes, size); });
+            return -1;
+        ssize_t n = x_begin_in_place(data.target);
+        if (n == 0)
+            n = fop_retry([&] { return gFopSys.write(data.target.fd, bytes + at, size - at); });
         if (n == -1) {
-            FopCopied answer = x_ask_writing(data.item, errno);
+            if (errno != ENOSPC)
+                return -1;
+            FopCopied answer = x_ask_no_space(data.item);
             if (answer != FOP_COPIED)
-                return answer;
+                return answer == FOP_SKIPPED ? -2 : -1;
             continue;
         }
-        bytes += n;
-        size -= static_cast<size_t>(n);
+        at += static_cast<size_t>(n);
         data.copied += n;
     }
-    return FOP_COPIED;
+    return static_cast<ssize_t>(size);
 }
 
 // Copies up to limit bytes by reading and writing.
 FopCopied x_by_buffer(Data &data, off_t limit)
 {
+    const FopItem &item = data.item;
     while (limit > 0) {
-        if (fop_stopped(data.item.job))
+        if (fop_stopped(item.job))
             return FOP_END;
         size_t size = std::min<off_t>(limit, static_cast<off_t>(data.buffer_size));
         ssize_t n = fop_retry([&] { return gFopSys.read(data.from, data.buffer, size); });
         if (n == -1)
-            return x_failed(fop_ask_error(data.item.job, "Error reading '%s'\n%s\n",
-                                          data.item.source.c_str(), std::strerror(errno)));
+            return x_read_failed(item, errno);
         if (n == 0)
             return FOP_COPIED;
-        FopCopied result = x_write(data, data.buffer, static_cast<size_t>(n));
-        if (result != FOP_COPIED)
-            return result;
+        ssize_t written = _write(data, data.buffer, static_cast<size_t>(n));
+        if (written == -2)
+            return FOP_SKIPPED;
+        if (written == -1)
+            return item.job->abort ? FOP_END : x_write_failed(item, errno);
         limit -= n;
         x_show(data);
     }
@@ -187,35 +195,33 @@ bool x_seek_both(const Data &data, off_t at)
            gFopSys.lseek(data.target.fd, at, SEEK_SET) != -1;
 }
 
-// Gives the copy its length, which may end in a hole.
-FopCopied x_set_length(Data &data, off_t at)
+// What the source is long now.
+off_t x_source_size(const Data &data)
 {
     struct stat now;
-    if (gFopSys.fstat(data.from, &now) == -1)
-        now = data.item.status;
-    off_t size = std::max(now.st_size, at);
-    if (fop_retry([&] { return gFopSys.ftruncate(data.target.fd, size); }) == 0)
-        return FOP_COPIED;
-    return x_failed(fop_ask_error(data.item.job, "Error writing '%s'\n%s\n", data.item.dest.c_str(),
-                                  std::strerror(errno)));
+    return gFopSys.fstat(data.from, &now) == 0 ? now.st_size : data.item.status.st_size;
 }
 
 // Copies the parts of a file that holds holes.
 FopCopied x_copy_sparse(Data &data)
 {
-    off_t at = 0, begin = 0, end = 0;
+    off_t at = 0, size = 0, begin = 0, end = 0;
     int found;
-    while ((found = x_next_part(data.from, at, begin, end)) == 1 && x_seek_both(data, begin)) {
+    // The size is looked at before the next part: what is written behind it meanwhile is no hole.
+    while (size = x_source_size(data),
+           (found = x_next_part(data.from, at, begin, end)) == 1 && x_seek_both(data, begin)) {
         FopCopied result = x_copy_part(data, end - begin);
         if (result != FOP_COPIED)
             return result;
         at = end;
     }
-    if (found == 0)
-        return x_set_length(data, at);
+    if (found == 0) {
+        if (fop_retry([&] { return gFopSys.ftruncate(data.target.fd, size); }) == 0)
+            return FOP_COPIED;
+        return x_write_failed(data.item, errno);
+    }
     if (!x_seek_both(data, at)) // what holes there are cannot be told: the rest is content
-        return x_failed(fop_ask_error(data.item.job, "Error reading '%s'\n%s\n",
-                                      data.item.source.c_str(), std::strerror(errno)));
+        return x_read_failed(data.item, errno);
     return x_copy_part(data, TO_THE_END);
 }
 
@@ -270,9 +276,9 @@ FopCopied fop_copy_data(FopItem &item, int from, FopTarget &target)
         return x_copy_sparse(data);
     }
     FopCopied result = x_copy_part(data, TO_THE_END);
-    if (result == FOP_COPIED &&
-        x_begin_in_place(target) == -1) // an empty file leaves nothing either
-        result = x_ask_writing(item, errno);
+    // An empty file leaves nothing of the old content either.
+    if (result == FOP_COPIED && x_begin_in_place(target) == -1)
+        return x_write_failed(item, errno);
     return result;
 }
 

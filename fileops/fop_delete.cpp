@@ -12,15 +12,35 @@ namespace {
 
 enum Answer { GO_ON, KEEP, END };
 
+// One name on its way out.
+struct Doomed {
+    FileOp *job;
+    const DirGroup &group;
+    int item;
+    const std::string &dir; // the group's path
+    int fd;                 // and its descriptor
+    const char *name;       // in it
+
+    // For the texts; making it for each of many names would cost more than removing some of them.
+    std::string path() const
+    {
+        std::string joined;
+        _build_path(joined, dir.c_str(), group.names[item]);
+        return joined;
+    }
+};
+
 // Before anything is removed: files that are write protected, or all of them, are asked about.
-Answer x_ask_first(FileOp *job, const std::string &path, const struct stat &status)
+Answer x_ask_first(const Doomed &doomed, const struct stat &status)
 {
+    FileOp *job = doomed.job;
     bool writable = status.st_mode & S_IWUSR;
     if ((job->flags & FOP_DELETE_ALL) || (writable && !(job->flags & FOP_DELETE_ASK)))
         return GO_ON;
     fop_update_info(
         job, {nullptr, nullptr, nullptr, nullptr, nullptr, FOP_PERCENT_KEEP, FOP_TIME_BLANK});
     const char *buttons = "@&Skip|&Delete|de&Lete all|#&Abort";
+    std::string path = doomed.path();
     int answer = writable
                      ? fop_alert(job, "Delete", buttons, "File '%s'\n", path.c_str())
                      : fop_alert(job, "Delete", buttons, "Unwriteable file '%s'\n", path.c_str());
@@ -32,23 +52,44 @@ Answer x_ask_first(FileOp *job, const std::string &path, const struct stat &stat
 }
 
 // A moved source goes only while it is what was copied.
-Answer x_check_copied(FileOp *job, const DirGroup &group, int item, const struct stat &status,
-                      const std::string &path)
+Answer x_check_copied(const Doomed &doomed, const struct stat &status)
 {
-    if (S_ISDIR(status.st_mode) && group.kinds[item] == FOP_DIR)
+    const DirGroup &group = doomed.group;
+    if (S_ISDIR(status.st_mode) && group.kinds[doomed.item] == FOP_DIR)
         return GO_ON; // a directory goes only when it is empty
-    if (group.stamps && group.stamps[item] == fop_stamp(status))
+    if (group.stamps && group.stamps[doomed.item] == fop_stamp(status))
         return GO_ON;
-    return fop_ask_error(job, "Error reading '%s'\n%s\n", path.c_str(), std::strerror(EBUSY)) == -1
-               ? END
-               : KEEP;
+    FopCopied answer = fop_ask_error(doomed.job, "Error reading '%s'\n%s\n", doomed.path().c_str(),
+                                     std::strerror(EBUSY));
+    return answer == FOP_END ? END : KEEP;
 }
 
-Answer x_ask_failed(FileOp *job, const char *path, int error)
+Answer x_ask_failed(FileOp *job, const std::string &path, int error)
 {
-    int answer = fop_alert(job, "Delete", "@&Continue|#&Abort", "Unable to delete '%s'\n%s\n", path,
-                           std::strerror(error));
+    int answer = fop_alert(job, "Delete", "@&Continue|#&Abort", "Unable to delete '%s'\n%s\n",
+                           path.c_str(), std::strerror(error));
     return answer == FOP_ANSWER_ABORT ? END : GO_ON;
+}
+
+// Looks at it where that matters, and asks. is_dir becomes what it turns out to be.
+Answer x_may_go(const Doomed &doomed, bool &is_dir)
+{
+    FileOp *job = doomed.job;
+    bool move = job->op == FOP_MOVE;
+    if (!move && (job->flags & FOP_DELETE_ALL))
+        return GO_ON;
+    struct stat status;
+    if (fop_retry([&] {
+            return gFopSys.fstatat(doomed.fd, doomed.name, &status, AT_SYMLINK_NOFOLLOW);
+        }) == -1) {
+        if (!move)
+            return GO_ON; // removing it is tried all the same
+        // What cannot be looked at cannot be known to be what was copied.
+        return x_ask_failed(job, doomed.path(), errno) == END ? END : KEEP;
+    }
+    is_dir = S_ISDIR(status.st_mode);
+    Answer answer = x_ask_first(doomed, status);
+    return answer == GO_ON && move ? x_check_copied(doomed, status) : answer;
 }
 
 // All live names of a group, the last first: 0, or -1 to end the job.
@@ -63,7 +104,7 @@ int x_delete_group(FileOp *job, int g, int show)
         if (!group.names[i][0])
             continue;
         if (fop_dir(job, FOP_SOURCE, g) == -1) // asked once, not once for each of its names
-            return x_ask_failed(job, dir.c_str(), errno) == END ? -1 : 0;
+            return x_ask_failed(job, dir, errno) == END ? -1 : 0;
         if (show)
             fop_update_info(job, {"Deleting", " Dir: ", dir.c_str(), "File: ", group.names[i],
                                   fop_percent(job->n_done, job->n_items),
@@ -78,38 +119,25 @@ int x_delete_group(FileOp *job, int g, int show)
 
 } // namespace
 
-int fop_delete_file(FileOp *job, int group_number, int item, const std::string &dir)
+int fop_delete_file(FileOp *job, int group, int item, const std::string &dir)
 {
-    const DirGroup &group = *job->groups[group_number];
-    const char *name = fop_source_name(group.names[item]);
-    std::string path;
-    _build_path(path, dir.c_str(), group.names[item]);
-    bool is_dir = group.kinds[item] == FOP_DIR;
-    int fd = fop_dir(job, FOP_SOURCE, group_number);
-    bool must_look = job->op == FOP_MOVE || !(job->flags & FOP_DELETE_ALL);
-    struct stat status;
-    if (must_look &&
-        fop_retry([&] { return gFopSys.fstatat(fd, name, &status, AT_SYMLINK_NOFOLLOW); }) == 0) {
-        is_dir = S_ISDIR(status.st_mode);
-        Answer answer = x_ask_first(job, path, status);
-        if (answer == GO_ON && job->op == FOP_MOVE)
-            answer = x_check_copied(job, group, item, status, path);
-        if (answer != GO_ON)
-            return answer == END ? -1 : 0;
-    } else if (job->op == FOP_MOVE) {
-        // What cannot be looked at cannot be known to be what was copied.
-        return x_ask_failed(job, path.c_str(), errno) == END ? -1 : 0;
-    }
+    const DirGroup &from = *job->groups[group];
+    Doomed doomed{
+        job, from, item, dir, fop_dir(job, FOP_SOURCE, group), fop_source_name(from.names[item])};
+    bool is_dir = from.kinds[item] == FOP_DIR;
+    Answer answer = x_may_go(doomed, is_dir);
+    if (answer != GO_ON)
+        return answer == END ? -1 : 0;
     int flags = is_dir ? AT_REMOVEDIR : 0;
-    if (fop_retry([&] { return gFopSys.unlinkat(fd, name, flags); }) == -1) {
+    if (fop_retry([&] { return gFopSys.unlinkat(doomed.fd, doomed.name, flags); }) == -1) {
         // A directory that still holds what an aborted move did not come to is no failure.
         if (is_dir && job->op == FOP_MOVE && job->abort && errno == ENOTEMPTY)
             return 0;
-        if (x_ask_failed(job, path.c_str(), errno) == END)
+        if (x_ask_failed(job, doomed.path(), errno) == END)
             return -1;
     }
     // Also after a failure that the user let pass: the marks of the caller are cleared either way.
-    fop_item_done(job, dir.c_str(), group.names[item]);
+    fop_item_done(job, dir.c_str(), from.names[item]);
     return 0;
 }
 

@@ -50,13 +50,9 @@ int x_verified(int fd, const FopId &expected)
     return -1;
 }
 
-int x_open_root(FileOp *job, FopSide side)
+// The directory that dest is a name in.
+int x_open_above_dest(FileOp *job)
 {
-    FopDirs &dirs = *job->dirs;
-    if (side == FOP_SOURCE)
-        return x_open(dirs.base, job->groups[0]->dir, OPEN_PATH);
-    if (!dirs.single)
-        return x_open(dirs.base, job->dest.c_str(), OPEN_PATH);
     std::string parent = job->dest;
     while (parent.size() > 1 && parent.back() == '/')
         parent.pop_back();
@@ -65,7 +61,17 @@ int x_open_root(FileOp *job, FopSide side)
         parent = job->dest.empty() ? "" : ".";
     else
         parent.resize(std::max<size_t>(slash, 1));
-    return x_open(dirs.base, parent.c_str(), OPEN_PATH);
+    return x_open(job->dirs->base, parent.c_str(), OPEN_PATH);
+}
+
+int x_open_root(FileOp *job, FopSide side)
+{
+    FopDirs &dirs = *job->dirs;
+    if (side == FOP_SOURCE)
+        return x_open(dirs.base, job->groups[0]->dir, OPEN_PATH);
+    if (dirs.single)
+        return x_open_above_dest(job);
+    return x_open(dirs.base, job->dest.c_str(), OPEN_PATH);
 }
 
 int x_root(FileOp *job, FopSide side)
@@ -249,17 +255,18 @@ bool fop_is_above_dest(FileOp *job, const FopId &id)
     if (!dirs.above_known) {
         dirs.above_known = true;
         struct stat status;
-        int at = x_root(job, FOP_DEST);
+        int root = x_root(job, FOP_DEST);
+        int at = root != -1 ? root : x_open_above_dest(job); // it is still to be made
         while (at != -1 && gFopSys.fstat(at, &status) == 0) {
             if (!dirs.above.empty() && dirs.above.back() == fop_id(status))
                 break; // the top is its own parent
             dirs.above.push_back(fop_id(status));
             int up = x_open(at, "..", OPEN_PATH);
-            if (at != dirs.root[FOP_DEST])
+            if (at != root)
                 x_close(at);
             at = up;
         }
-        if (at != -1 && at != dirs.root[FOP_DEST])
+        if (at != -1 && at != root)
             x_close(at);
     }
     return std::find(dirs.above.begin(), dirs.above.end(), id) != dirs.above.end();

@@ -11,12 +11,10 @@
 namespace tav {
 namespace {
 
-FopCopied x_failed(int answer) { return answer == -1 ? FOP_END : FOP_SKIPPED; }
-
 FopCopied x_write_failed(const FopItem &item, int error)
 {
-    return x_failed(fop_ask_error(item.job, "Error writing '%s'\n%s\n", item.dest.c_str(),
-                                  std::strerror(error)));
+    return fop_ask_error(item.job, "Error writing '%s'\n%s\n", item.dest.c_str(),
+                         std::strerror(error));
 }
 
 // The open source, whose status from now on is the truth; or -1 with errno.
@@ -49,8 +47,8 @@ FopCopied x_check_unchanged(const FopItem &item, int from)
         error = EBUSY;
     if (error == 0)
         return FOP_COPIED;
-    return x_failed(fop_ask_error(item.job, "Error reading '%s'\n%s\n", item.source.c_str(),
-                                  std::strerror(error)));
+    return fop_ask_error(item.job, "Error reading '%s'\n%s\n", item.source.c_str(),
+                         std::strerror(error));
 }
 
 // Something took the name while the copy ran: asked about like any existing file.
@@ -83,6 +81,15 @@ FopCopied x_commit(FopItem &item, FopTarget &target, bool placed)
     return FOP_COPIED;
 }
 
+// What the copy has beside its content.
+FopCopied x_complete(const FopItem &item, int from, FopTarget &target, bool &owner)
+{
+    if (fop_copy_attributes(item, from, target, owner) == 0)
+        return FOP_COPIED;
+    target.wrote = false; // in place, the content is all there: it stays
+    return x_write_failed(item, errno);
+}
+
 // Everything after the source is open. placed: to where the user said in place of a name too long.
 FopCopied x_copy_open(FopItem &item, int from, bool placed)
 {
@@ -97,16 +104,16 @@ FopCopied x_copy_open(FopItem &item, int from, bool placed)
     FopCopied result = fop_copy_data(item, from, target);
     if (result == FOP_COPIED && item.job->op == FOP_MOVE)
         result = x_check_unchanged(item, from);
-    bool owner_failed = false;
-    if (result == FOP_COPIED) {
-        owner_failed = fop_copy_attributes(item, from, target);
+    bool owner = true;
+    if (result == FOP_COPIED)
+        result = x_complete(item, from, target, owner);
+    if (result == FOP_COPIED)
         result = x_commit(item, target, placed);
-    }
     if (result != FOP_COPIED)
         fop_target_drop(item, target);
     else if (target.old_fd != -1)
         gFopSys.close(target.old_fd);
-    return result == FOP_COPIED && owner_failed ? fop_ask_owner(item) : result;
+    return result == FOP_COPIED && !owner ? fop_ask_owner(item) : result;
 }
 
 bool x_name_too_long(const FopItem &item)
@@ -120,6 +127,8 @@ FopCopied x_copy_elsewhere(FopItem &item, int from)
 {
     FopPlace place;
     const FopReport &report = *item.job->report;
+    if (fop_stopped(item.job))
+        return FOP_END;
     if (!report.long_name ||
         !report.long_name(item.job, item.source.c_str(), item.dest.c_str(), place))
         return FOP_SKIPPED;
@@ -148,8 +157,8 @@ FopCopied fop_copy_regular(FopItem &item)
     }
     int from = x_open_source(item);
     if (from == -1)
-        return x_failed(fop_ask_error(item.job, "Unable to open '%s'\n%s\n", item.source.c_str(),
-                                      std::strerror(errno)));
+        return fop_ask_error(item.job, "Unable to open '%s'\n%s\n", item.source.c_str(),
+                             std::strerror(errno));
     FopCopied result =
         x_name_too_long(item) ? x_copy_elsewhere(item, from) : x_copy_open(item, from, false);
     gFopSys.close(from);

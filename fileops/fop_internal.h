@@ -58,9 +58,12 @@ int64_t fop_calc_time_left(FileOp *job, int64_t done, int64_t total);
 // Tells on_done about an item.
 void fop_item_done(FileOp *job, const char *dir, const char *name);
 
-// Asks about a failure of one item, title "Copy/Move", "&Continue|&Abort". 1 to go on without the
-// item, -1 to end the job.
-[[gnu::format(printf, 2, 3)]] int fop_ask_error(FileOp *job, const char *format, ...);
+// Results of one item.
+enum FopCopied { FOP_COPIED = 0, FOP_SKIPPED = 1, FOP_END = -1 };
+
+// Asks about a failure of one item, title "Copy/Move", "&Continue|&Abort": FOP_SKIPPED to go on
+// without the item, else FOP_END.
+[[gnu::format(printf, 2, 3)]] FopCopied fop_ask_error(FileOp *job, const char *format, ...);
 
 // The question for an existing destination.
 constexpr char FOP_EXISTS_BUTTONS[] = "&Skip|&Overwrite|Overwrite &All|a&Bort";
@@ -86,8 +89,8 @@ int fop_delete_file(FileOp *job, int group, int item,
                     const std::string &dir); // dir: the group's path
 
 // One item of a copy, by its place in the list; item -1 is the finishing pass of the group itself.
-// 0 done, 1 skipped or failed, -1 end the job.
-int fop_copy_file(FileOp *job, int group, int item);
+// dir: the group's path.
+FopCopied fop_copy_file(FileOp *job, int group, int item, const std::string &dir);
 
 // What identifies the content of a file between its copy and its removal; never 0.
 uint64_t fop_stamp(const struct stat &status);

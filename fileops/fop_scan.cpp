@@ -5,20 +5,11 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
 
 namespace tav {
 namespace {
-
-// A directory entry as the kernel hands it out.
-struct Dirent {
-    uint64_t ino;
-    int64_t offset;
-    uint16_t length;
-    uint8_t type;
-    char name[5]; // and on, to its NUL
-};
-static_assert(offsetof(Dirent, name) == 19);
 
 constexpr size_t READ_SIZE = 32768; // of one reading of a directory
 
@@ -46,23 +37,18 @@ Ask x_ask_dir(FileOp *job, const char *what, int group, int item)
     return answer == FOP_ANSWER_ABORT ? END : GO_ON;
 }
 
-bool x_is_dots(const char *name)
-{
-    return name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0'));
-}
-
 FopKind x_kind_of_type(uint8_t type)
 {
     switch (type) {
-    case 4:
+    case DT_DIR:
         return FOP_DIR;
-    case 8:
+    case DT_REG:
         return FOP_FILE;
-    case 10:
+    case DT_LNK:
         return FOP_LINK;
-    case 1:
+    case DT_FIFO:
         return FOP_FIFO;
-    case 0:
+    case DT_UNKNOWN:
         return FOP_UNKNOWN;
     default:
         return FOP_OTHER;
@@ -91,18 +77,16 @@ struct Reading {
 int x_take(FileOp *job, Reading &reading, const char *buffer, ssize_t size)
 {
     for (ssize_t at = 0; at < size;) {
-        auto *entry = reinterpret_cast<const Dirent *>(buffer + at);
-        const char *name = buffer + at + offsetof(Dirent, name);
-        at += entry->length;
+        const FopEntry entry = fop_sys_entry(buffer, at);
         if (fop_stopped(job))
             return -1;
-        if (x_is_dots(name))
+        if (fop_sys_is_dots(entry.name))
             continue;
-        if (!fop_strdup(job, name)) {
+        if (!fop_strdup(job, entry.name)) {
             fop_ENOMEM(job);
             return -1;
         }
-        reading.kinds.push_back(x_kind_of_type(entry->type));
+        reading.kinds.push_back(x_kind_of_type(entry.type));
         job->n_items++;
         fop_update_info(job, {"Scanning", nullptr, nullptr, nullptr, nullptr, FOP_PERCENT_KEEP,
                               FOP_TIME_FIRST});

@@ -7,10 +7,27 @@
 #include <linux/fs.h>
 #include <sys/ioctl.h>
 #include <sys/syscall.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace tav {
 namespace {
+
+// The name of a descriptor, for calls that want a path.
+struct Self {
+    char path[40];
+    explicit Self(int fd) { std::snprintf(path, sizeof path, "/proc/self/fd/%d", fd); }
+};
+
+// An entry of a directory as the kernel hands it out.
+struct Dirent {
+    uint64_t ino;
+    int64_t offset;
+    uint16_t length;
+    uint8_t type;
+    char name[5]; // and on, to its NUL
+};
+static_assert(offsetof(Dirent, name) == 19);
 
 int x_openat(int dir, const char *path, int flags, mode_t mode)
 {
@@ -38,17 +55,14 @@ int x_clone(int to, int from) { return ::ioctl(to, FICLONE, from); }
 
 int x_mkfifoat(int dir, const char *path, mode_t mode) { return ::mkfifoat(dir, path, mode); }
 
+// Without the capability that the short way wants, the descriptor's own name does the same.
 int x_linkfd(int fd, int dir, const char *path)
 {
     if (::linkat(fd, "", dir, path, AT_EMPTY_PATH) == 0)
         return 0;
     if (errno != ENOENT && errno != EPERM)
         return -1;
-    // Without the capability that the short way wants, the descriptor's name in /proc does the
-    // same.
-    char self[40];
-    std::snprintf(self, sizeof self, "/proc/self/fd/%d", fd);
-    return ::linkat(AT_FDCWD, self, dir, path, AT_SYMLINK_FOLLOW);
+    return ::linkat(AT_FDCWD, Self(fd).path, dir, path, AT_SYMLINK_FOLLOW);
 }
 
 int x_renameat(int from_dir, const char *from, int to_dir, const char *to, unsigned flags)
@@ -57,6 +71,26 @@ int x_renameat(int from_dir, const char *from, int to_dir, const char *to, unsig
 }
 
 int x_fchmodat(int dir, const char *path, mode_t mode) { return ::fchmodat(dir, path, mode, 0); }
+
+// The f-calls do not take an O_PATH descriptor.
+ssize_t x_listxattr(int fd, char *list, size_t size)
+{
+    ssize_t length = ::flistxattr(fd, list, size);
+    return length == -1 && errno == EBADF ? ::listxattr(Self(fd).path, list, size) : length;
+}
+
+ssize_t x_getxattr(int fd, const char *name, void *value, size_t size)
+{
+    ssize_t length = ::fgetxattr(fd, name, value, size);
+    return length == -1 && errno == EBADF ? ::getxattr(Self(fd).path, name, value, size) : length;
+}
+
+int x_setxattr(int fd, const char *name, const void *value, size_t size)
+{
+    int result = ::fsetxattr(fd, name, value, size, 0);
+    return result == -1 && errno == EBADF ? ::setxattr(Self(fd).path, name, value, size, 0)
+                                          : result;
+}
 
 void x_delay(unsigned milliseconds)
 {
@@ -91,10 +125,27 @@ const FopSys gFopSysReal = {
     .fchmodat = x_fchmodat,
     .fchownat = ::fchownat,
     .utimensat = ::utimensat,
+    .listxattr = x_listxattr,
+    .getxattr = x_getxattr,
+    .setxattr = x_setxattr,
     .syncfs = ::syncfs,
+    .sync = ::sync,
     .delay = x_delay,
 };
 
 FopSys gFopSys = gFopSysReal;
+
+FopEntry fop_sys_entry(const char *buffer, ssize_t &at)
+{
+    auto *entry = reinterpret_cast<const Dirent *>(buffer + at);
+    const char *name = buffer + at + offsetof(Dirent, name);
+    at += entry->length;
+    return {name, entry->type};
+}
+
+bool fop_sys_is_dots(const char *name)
+{
+    return name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0'));
+}
 
 } // namespace tav

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <ctime>
 #include <sys/stat.h>
 #include <sys/types.h>
@@ -33,11 +34,28 @@ struct FopSys {
     int (*fchmodat)(int dir, const char *path, mode_t mode);
     int (*fchownat)(int dir, const char *path, uid_t uid, gid_t gid, int flags);
     int (*utimensat)(int dir, const char *path, const struct timespec times[2], int flags);
+    // Extended attributes; fd may be O_PATH.
+    ssize_t (*listxattr)(int fd, char *list, size_t size);
+    ssize_t (*getxattr)(int fd, const char *name, void *value, size_t size);
+    int (*setxattr)(int fd, const char *name, const void *value, size_t size);
     int (*syncfs)(int fd);
+    void (*sync)();
     void (*delay)(unsigned milliseconds);
 };
 
 extern FopSys gFopSys;
 extern const FopSys gFopSysReal; // the table as the program starts with it
+
+// One entry of what getdents filled a buffer with.
+struct FopEntry {
+    const char *name; // in the buffer
+    uint8_t type;     // DT_REG and so on, DT_UNKNOWN where the file system does not say
+};
+
+// The entry that begins at that byte of the buffer; at moves on to the next one.
+FopEntry fop_sys_entry(const char *buffer, ssize_t &at);
+
+// "." and ".." are no entries.
+bool fop_sys_is_dots(const char *name);
 
 } // namespace tav

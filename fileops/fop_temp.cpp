@@ -8,12 +8,13 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
 #include <unistd.h>
 
 namespace tav {
 namespace {
+
+constexpr size_t READ_SIZE = 32768; // of one reading of a directory
 
 // A number for this machine and its process space.
 uint32_t x_machine()
@@ -62,22 +63,33 @@ std::string fop_temp_name()
     return name;
 }
 
+namespace {
+
+void x_sweep(int dir)
+{
+    int fd = fop_retry([&] { return gFopSys.openat(dir, ".", O_RDONLY | O_DIRECTORY, 0); });
+    std::vector<char> buffer(fd == -1 ? 0 : READ_SIZE);
+    ssize_t size = 0;
+    while (fd != -1 && (size = gFopSys.getdents(fd, buffer.data(), buffer.size())) > 0) {
+        for (ssize_t at = 0; at < size;) {
+            const char *name = fop_sys_entry(buffer.data(), at).name;
+            if (name[0] == '.' && x_is_left(name))
+                gFopSys.unlinkat(dir, name, 0);
+        }
+    }
+    if (fd != -1)
+        gFopSys.close(fd);
+}
+
+} // namespace
+
 void fop_sweep_temps(FileOp *job, int dir)
 {
     int error = errno;
     struct stat status;
     if (gFopSys.fstat(dir, &status) == 0 && job->dirs->swept != fop_id(status)) {
         job->dirs->swept = fop_id(status);
-        int fd = ::openat(dir, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        DIR *stream = fd == -1 ? nullptr : ::fdopendir(fd);
-        if (fd != -1 && !stream)
-            ::close(fd);
-        while (const dirent *entry = stream ? ::readdir(stream) : nullptr) {
-            if (entry->d_name[0] == '.' && x_is_left(entry->d_name))
-                ::unlinkat(dir, entry->d_name, 0);
-        }
-        if (stream)
-            ::closedir(stream);
+        x_sweep(dir);
     }
     errno = error;
 }

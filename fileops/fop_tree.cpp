@@ -4,7 +4,9 @@
 
 #include "fileops/fop_sys.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -29,8 +31,6 @@ int x_child_group(const FopItem &item)
     return -1;
 }
 
-FopCopied x_failed(int answer) { return answer == -1 ? FOP_END : FOP_SKIPPED; }
-
 // A directory behind an O_PATH descriptor; no name that could have been swapped is looked up again.
 std::string x_self(int fd)
 {
@@ -39,9 +39,9 @@ std::string x_self(int fd)
     return path;
 }
 
-void x_set_mode(int fd, mode_t mode)
+int x_set_mode(int fd, mode_t mode)
 {
-    fop_retry([&] { return gFopSys.fchmodat(AT_FDCWD, x_self(fd).c_str(), mode & 07777); });
+    return fop_retry([&] { return gFopSys.fchmodat(AT_FDCWD, x_self(fd).c_str(), mode & 07777); });
 }
 
 bool x_set_owner(int fd, const struct stat &want)
@@ -71,6 +71,25 @@ int x_open(const FopItem &item)
     return fop_retry([&] { return gFopSys.openat(item.to_dir, item.to, flags, 0); });
 }
 
+// Where the contents go, when there are any: their directory is open for filling until they are
+// there. One whose contents could not be read gets its final mode now.
+void x_begin_filling(const FopItem &item, int fd, const struct stat &status)
+{
+    FileOp *job = item.job;
+    if (status.st_dev != job->dirs->dest_dev)
+        job->dirs->other_fs = true;
+    int child = x_child_group(item);
+    if (child == -1) {
+        x_set_mode(fd, item.status.st_mode);
+        return;
+    }
+    if (item.exists)
+        x_set_mode(fd, 0777);
+    job->groups[child]->dest_id = fop_id(status);
+    job->groups[child]->mode = item.status.st_mode;
+    job->groups[child]->filling = true;
+}
+
 } // namespace
 
 FopCopied fop_copy_directory(FopItem &item)
@@ -78,30 +97,21 @@ FopCopied fop_copy_directory(FopItem &item)
     FileOp *job = item.job;
     const char *path = item.dest.c_str();
     if (item.exists && !S_ISDIR(item.dest_status.st_mode))
-        return x_failed(fop_ask_error(job, "The '%s' is not a directory\n", path));
+        return fop_ask_error(job, "The '%s' is not a directory\n", path);
     bool made = !item.exists && item.to_dir != -1 &&
                 fop_retry([&] { return gFopSys.mkdirat(item.to_dir, item.to, 0777); }) == 0;
     if (!item.exists && !made)
-        return x_failed(fop_ask_error(job, "Unable to make '%s' directory\n", path));
+        return fop_ask_error(job, "Unable to make '%s' directory\n", path);
     int fd = x_open(item);
     struct stat status;
     if (fd == -1 || gFopSys.fstat(fd, &status) == -1) {
         bool is_link = fd == -1 && (errno == ENOTDIR || errno == ELOOP);
         if (fd != -1)
             gFopSys.close(fd);
-        return x_failed(is_link ? fop_ask_error(job, "The '%s' is not a directory\n", path)
-                                : fop_ask_error(job, "Unable to make '%s' directory\n", path));
+        return is_link ? fop_ask_error(job, "The '%s' is not a directory\n", path)
+                       : fop_ask_error(job, "Unable to make '%s' directory\n", path);
     }
-    if (item.exists)
-        x_set_mode(fd, 0777); // the contents must be writable meanwhile
-    if (status.st_dev != job->dirs->dest_dev)
-        job->dirs->other_fs = true;
-    int child = x_child_group(item);
-    if (child != -1) {
-        job->groups[child]->dest_id = fop_id(status);
-        job->groups[child]->mode = item.status.st_mode;
-        job->groups[child]->filling = true;
-    }
+    x_begin_filling(item, fd, status);
     FopCopied result = x_set_look(item, fd);
     gFopSys.close(fd);
     return result;
@@ -114,10 +124,14 @@ FopCopied fop_finish_directory(FopItem &item)
     int to = fop_dir(job, FOP_DEST, item.group);
     if (to == -1)
         return FOP_COPIED; // taken away meanwhile: nothing to finish
-    if (from != -1)
-        fop_copy_xattrs(from, to, from);
-    x_set_mode(to, item.status.st_mode);
-    job->groups[item.group]->filling = false;
+    int error = from != -1 && fop_copy_xattrs(from, to, from) == -1 ? errno : 0;
+    if (x_set_mode(to, item.status.st_mode) == -1 && !fop_cannot_hold(errno))
+        error = errno;
+    else
+        job->groups[item.group]->filling = false;
+    if (error != 0)
+        return fop_ask_error(job, "Error writing '%s'\n%s\n", item.dest.c_str(),
+                             std::strerror(error));
     return x_set_look(item, to);
 }
 

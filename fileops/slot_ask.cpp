@@ -107,6 +107,10 @@ bool x_long_name(FileOp *job, const char *source, const char *dest, FopPlace &pl
     auto wait = std::make_shared<Wait>();
     auto named = std::make_shared<FopPlace>();
     const bool opened = ui_call([&] {
+        if (job->abort) {
+            wait->give(false);
+            return;
+        }
         QWidget *dialog = long_name_open(source, dest, *named, [pane, wait, named](bool renamed) {
             sBoxes.erase(pane);
             wait->give(renamed);

@@ -80,6 +80,9 @@ void Faults::install()
     x_wrap<&FopSys::fchmodat>("fchmodat");
     x_wrap<&FopSys::fchownat>("fchownat");
     x_wrap<&FopSys::utimensat>("utimensat");
+    x_wrap<&FopSys::listxattr>("listxattr");
+    x_wrap<&FopSys::getxattr>("getxattr");
+    x_wrap<&FopSys::setxattr>("setxattr");
     x_wrap<&FopSys::syncfs>("syncfs");
     gFopSys.close = x_close;
     arm(-1, 0);

@@ -10,16 +10,7 @@
 namespace tav {
 namespace {
 
-struct FopDelete : testing::Test {
-    JobDir dir;
-    Driver driver;
-    FopDelete() { dir.dir("src"); }
-    std::string text(size_t i)
-    {
-        return i < driver.alerts.size() ? driver.alerts[i].text : "(none)";
-    }
-    std::string quoted(const std::string &name) { return "'" + (dir / name) + "'"; }
-};
+using FopDelete = FopTest;
 
 TEST_F(FopDelete, removes_the_deepest_first_and_the_selected_last)
 {
@@ -137,6 +128,15 @@ TEST_F(FopDelete, what_vanished_meanwhile_is_asked_about)
     EXPECT_NE(driver.texts().find("No such file or directory"), std::string::npos);
 }
 
+TEST_F(FopDelete, sockets_are_left_where_they_are)
+{
+    dir.file("src/a", "1");
+    ASSERT_EQ(::mknod((dir / "src/socket").c_str(), S_IFSOCK | 0644, 0), 0);
+    driver.remove(dir, {"a", "socket"});
+    EXPECT_EQ(dir.all("src"), (std::map<std::string, std::string>{{"socket", "other"}}));
+    EXPECT_TRUE(driver.alerts.empty() && driver.notices.empty());
+}
+
 TEST_F(FopDelete, a_directory_swapped_for_a_link_leads_nowhere_else)
 {
     dir.dir("src/d/e");
@@ -184,9 +184,7 @@ TEST(FopDeep, a_depth_of_3000_directories_is_copied_moved_and_deleted)
     EXPECT_FALSE(dir.exists("src/dd") || dir.exists("moved"));
 }
 
-struct FopScan : FopDelete {
-    FopScan() { dir.dir("dst"); }
-};
+using FopScan = FopTest;
 
 TEST_F(FopScan, a_directory_that_cannot_be_opened_stays_without_contents)
 {

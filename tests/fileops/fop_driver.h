@@ -9,6 +9,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -69,6 +70,29 @@ struct Driver {
     void move(const JobDir &dir, const std::vector<std::string> &names, uint32_t flags = 0);
     void remove(const JobDir &dir, const std::vector<std::string> &names, uint32_t flags = 0);
     std::string texts() const; // of all questions, one after another
+};
+
+// What most tests of jobs stand on: "src" and "dst", and a driver.
+struct FopTest : testing::Test {
+    JobDir dir;
+    Driver driver;
+    FopTest();
+    std::string text(size_t i) const; // of question i
+    std::string quoted(const std::string &name) const { return "'" + (dir / name) + "'"; }
+};
+
+// Runs body in a process that has file systems of its own: prepare may mount there. What body says;
+// without an answer when this user can have none or prepare answered false.
+std::optional<bool> own_mounts(const std::function<bool()> &prepare,
+                               const std::function<bool()> &body);
+
+// Extended attributes below a directory: those of its file system, or made up in the table of
+// system calls where that has none. One at a time.
+struct Attributes {
+    explicit Attributes(const JobDir &dir);
+    ~Attributes();
+    void set(const std::string &path, const std::string &name, const std::string &value) const;
+    std::string get(const std::string &path, const std::string &name) const; // "" when it has none
 };
 
 // Renames between directories fail as between file systems.

@@ -34,6 +34,12 @@ void x_make_tree(const JobDir &dir)
     dir.file("dst/other", "mine");
     dir.dir("outside");
     dir.file("outside/x", "precious");
+    // What is replaced in its place, or by way of a hidden name.
+    dir.file("src/p", "new");
+    dir.file("dst/p", "old");
+    ASSERT_EQ(::link((dir / "dst/p").c_str(), (dir / "dst/q").c_str()), 0);
+    dir.fifo("dst/f");
+    dir.link("dst/l", "elsewhere");
 }
 
 void x_clear(const JobDir &dir)
@@ -42,51 +48,87 @@ void x_clear(const JobDir &dir)
         std::filesystem::remove_all(dir / name);
 }
 
-// What may be said of the tree after any job that may have failed anywhere. overwritten: the answer
-// allowed it.
-void x_check(const JobDir &dir, const FaultRow &row, bool overwritten)
+// How a job is made to fail: call n, with that error, once or for ever; and what is answered.
+struct Fault {
+    long n;
+    int error;
+    int answer;
+    bool for_ever = false;
+    bool overwrites(const FaultRow &row) const { return answer >= 2 || row.op == FOP_MOVE; }
+};
+
+using Tree = std::map<std::string, std::string>;
+
+void x_check_contents(const FaultRow &row, Tree &src, Tree &dst)
 {
-    auto src = dir.all("src"), dst = dir.all("dst");
-    EXPECT_EQ(dir.read("outside/x"), "precious");
-    EXPECT_EQ(dst["other"], "file mine");
-    const std::map<std::string, std::string> files = {
-        {"d/a", "file alpha"},
-        {"d/e/large", "file " + std::string(70'000, 'L')},
-        {"b", "file new"}};
+    const Tree files = {{"d/a", "file alpha"},
+                        {"d/e/large", "file " + std::string(70'000, 'L')},
+                        {"b", "file new"},
+                        {"p", "file new"}};
     for (const auto &[name, content] : files) {
         bool in_src = src.count(name) && src[name] == content;
         bool in_dst = dst.count(name) && dst[name] == content;
         bool kept = row.op == FOP_DELETE || in_src || (in_dst && row.op == FOP_MOVE);
+        bool taken = name == "b" || name == "p"; // held something before
         EXPECT_TRUE(kept) << name << " is lost";
         EXPECT_TRUE(in_src || !src.count(name)) << name << " changed";
-        EXPECT_TRUE(in_dst || !dst.count(name) || name == "b") << name << " is half there";
+        EXPECT_TRUE(in_dst || !dst.count(name) || taken) << name << " is half there";
     }
-    EXPECT_TRUE(dst["b"] == "file old" || (overwritten && dst["b"] == "file new"))
-        << "the overwritten file is neither old nor new: " << dst["b"];
-    static const std::set<std::string> sKnown = {"b",         "d", "d/a", "d/e",
-                                                 "d/e/large", "f", "l",   "other"};
-    for (const auto &[name, content] : dst)
-        EXPECT_TRUE(sKnown.count(name)) << name << " is left over";
-    for (const auto &[name, content] : src)
-        EXPECT_TRUE(sKnown.count(name)) << name << " is left over";
 }
 
-// Runs the job with the call number n failing; how many calls it made.
-long x_run(const JobDir &dir, const FaultRow &row, long n, int error, int answer)
+// What was there before is there, or something whole stands for it.
+void x_check_replaced(const FaultRow &row, const Fault &fault, Tree &dst)
+{
+    bool overwritten = fault.overwrites(row);
+    EXPECT_TRUE(dst["b"] == "file old" || (overwritten && dst["b"] == "file new"))
+        << "the overwritten file is neither old nor new: " << dst["b"];
+    EXPECT_EQ(dst["f"], "fifo");
+    EXPECT_TRUE(dst["l"] == "link elsewhere" || dst["l"] == "link d/a") << dst["l"];
+    // In place: its other name shows what was begun; what is incomplete does not keep the real one.
+    std::set<std::string> in_place = {"file old"};
+    if (overwritten)
+        in_place.insert({"file new", "file "});
+    EXPECT_TRUE(in_place.count(dst["q"])) << dst["q"];
+    bool whole = !dst.count("p") || dst["p"] == "file old" || dst["p"] == "file new";
+    EXPECT_TRUE(whole || fault.for_ever) << dst["p"];
+}
+
+// What may be said of the tree after any job that may have failed anywhere.
+void x_check(const JobDir &dir, const FaultRow &row, const Fault &fault)
+{
+    Tree src = dir.all("src"), dst = dir.all("dst");
+    EXPECT_EQ(dir.read("outside/x"), "precious");
+    EXPECT_EQ(dst["other"], "file mine");
+    x_check_contents(row, src, dst);
+    x_check_replaced(row, fault, dst);
+    static const std::set<std::string> sKnown = {"b", "d", "d/a", "d/e",   "d/e/large",
+                                                 "f", "l", "p",   "other", "q"};
+    for (const Tree *tree : {&src, &dst}) {
+        for (const auto &[name, content] : *tree)
+            EXPECT_TRUE(sKnown.count(name) || fault.for_ever) << name << " is left over";
+    }
+}
+
+// Runs the job with that fault; how many calls it made.
+long x_run(const JobDir &dir, const FaultRow &row, const Fault &fault)
 {
     x_make_tree(dir);
     Driver driver;
+    Attributes attributes(dir);
+    attributes.set(dir / "src/d/a", "user.colour", "blue");
+    attributes.set(dir / "src/d/e", "user.colour", "blue");
     if (row.across)
         sys_two_file_systems();
     Faults::install();
     int asked = 0;
     driver.on_alert = [&](const FopAlert &alert) {
         EXPECT_LT(++asked, 1000) << "the job asks for ever";
-        return std::min(answer, static_cast<int>(alert.labels.size()));
+        return asked < 1000 ? std::min(fault.answer, static_cast<int>(alert.labels.size()))
+                            : alert.on_close;
     };
-    driver.on_created = [&](FileOp &) { Faults::arm(n, error); };
+    driver.on_created = [&](FileOp &) { Faults::arm(fault.n, fault.error, fault.for_ever); };
     int before = open_descriptors();
-    std::vector<std::string> names = {"d", "b", "l", "f"};
+    std::vector<std::string> names = {"d", "b", "l", "f", "p"};
     if (row.op == FOP_DELETE)
         driver.remove(dir, names);
     else
@@ -94,25 +136,41 @@ long x_run(const JobDir &dir, const FaultRow &row, long n, int error, int answer
     EXPECT_EQ(open_descriptors(), before);
     EXPECT_EQ(driver.removed, 1);
     long calls = Faults::calls();
-    x_check(dir, row, answer >= 2 || row.op == FOP_MOVE);
+    x_check(dir, row, fault);
     return calls;
+}
+
+// Every call in turn, until there is none that could fail.
+void x_run_all(const FaultRow &row, Fault fault)
+{
+    JobDir dir("/dev/shm");
+    long calls = 1;
+    for (fault.n = 0; fault.n < calls && !testing::Test::HasFailure(); fault.n++) {
+        SCOPED_TRACE(testing::Message() << "call " << fault.n << " " << std::strerror(fault.error)
+                                        << ", answer " << fault.answer);
+        calls = x_run(dir, row, fault);
+        if (testing::Test::HasFailure())
+            ADD_FAILURE() << "it was " << (Faults::failed() ? Faults::failed() : "none");
+        x_clear(dir);
+    }
 }
 
 TEST_P(FopFault, loses_nothing)
 {
-    const FaultRow &row = GetParam();
-    JobDir dir("/dev/shm");
     for (int error : ERRORS) {
-        for (int answer = 1; answer <= 4; answer++) {
-            long calls = 1;
-            for (long n = 0; n < calls && !HasFailure(); n++) {
-                SCOPED_TRACE(testing::Message() << "call " << n << " " << std::strerror(error)
-                                                << ", answer " << answer);
-                calls = x_run(dir, row, n, error, answer);
-                if (HasFailure())
-                    ADD_FAILURE() << "it was " << (Faults::failed() ? Faults::failed() : "none");
-                x_clear(dir);
-            }
+        for (int answer = 1; answer <= 4; answer++)
+            x_run_all(GetParam(), {0, error, answer});
+    }
+}
+
+// A disk that goes away: nothing works any more from some call on, not even removing what was
+// begun.
+TEST_P(FopFault, loses_nothing_when_everything_fails_from_there_on)
+{
+    for (int error : ERRORS) {
+        for (int answer : {1, 4}) {             // going on and giving up
+            if (error != ENOSPC || answer != 1) // else it would be tried again for ever
+                x_run_all(GetParam(), {0, error, answer, true});
         }
     }
 }

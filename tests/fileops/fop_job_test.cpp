@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <condition_variable>
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace tav {
@@ -130,13 +131,13 @@ TEST(FopThread, a_relative_path_holds_for_the_directory_of_the_start)
     dir.dir("src");
     dir.dir("dst");
     dir.file("src/a", "one");
-    char here[4096];
-    ASSERT_TRUE(::getcwd(here, sizeof here));
+    int here = ::open(".", O_PATH | O_DIRECTORY | O_CLOEXEC);
     ASSERT_EQ(::chdir(dir.path.c_str()), 0);
     Driver driver;
     driver.on_created = [&](FileOp &) { EXPECT_EQ(::chdir("/"), 0); };
     driver.run(FOP_COPY, "src", {"a"}, "dst");
-    ASSERT_EQ(::chdir(here), 0);
+    ASSERT_EQ(::fchdir(here), 0);
+    ::close(here);
     EXPECT_EQ(dir.read("dst/a"), "one");
 }
 

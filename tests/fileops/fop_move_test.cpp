@@ -9,20 +9,7 @@
 namespace tav {
 namespace {
 
-struct FopMove : testing::Test {
-    JobDir dir;
-    Driver driver;
-    FopMove()
-    {
-        dir.dir("src");
-        dir.dir("dst");
-    }
-    std::string text(size_t i)
-    {
-        return i < driver.alerts.size() ? driver.alerts[i].text : "(none)";
-    }
-    std::string quoted(const std::string &name) { return "'" + (dir / name) + "'"; }
-};
+using FopMove = FopTest;
 
 TEST_F(FopMove, renames_within_a_file_system_and_never_copies)
 {
