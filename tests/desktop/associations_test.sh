@@ -5,8 +5,6 @@ source "$(dirname "$0")/lib.sh"
 
 file() { echo "$HOME/.ph/tav/associate.003"; }
 header='# <pattern[|pattern[..]]> \t <open_command> \t <view_command> \t <edit command>'
-window_named() { xdotool search --onlyvisible --name "^$1\$"; }
-no_window_named() { ! window_named "$1"; }
 has_row() { look_has "table cell \"$1\""; }
 has_no_row() { ! has_row "$1"; }
 message_is_gone() { ! look_has "Pattern cannot have TABs"; }

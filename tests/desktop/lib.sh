@@ -19,6 +19,7 @@ work=$(mktemp -d "${TMPDIR:-/tmp}/tav_desktop_XXXXXX")
 pids=()     # what ends with the script
 tav_pid=    # the tav that was started last
 tav_count=0 # tavs started so far
+bin=$work/bin # stand-ins for programs (stand_in)
 
 # Ends every process that was started with its group; removes the work directory.
 desktop_end() {
@@ -138,7 +139,7 @@ types() { xdotool type --clearmodifiers --delay 20 -- "$1"; }
 shot() { import -silent -window root "$1"; }
 
 # look: what assistive technology sees of tav, one line per widget (needs desktop_bus).
-look() { /usr/bin/python3 "$desktop_dir/look.py" "${1:-$tav_pid}"; }
+look() { timeout "$WAIT_SECONDS" /usr/bin/python3 "$desktop_dir/look.py" "${1:-$tav_pid}"; }
 look_has() { look | grep -F -- "$1" >/dev/null; } # reads on to the end, or look would be cut off
 
 # place_of NAME...: where the first thing of that name is, as "X Y"; each further name is sought in what the
@@ -151,6 +152,46 @@ click_on() {
     place=$(place_of "$@") || fail "nothing to click on: $*"
     # shellcheck disable=SC2086 # two numbers
     xdotool mousemove $place click 1
+}
+
+# window_named NAME: whether a window of that title (a pattern) is there.
+window_named() { xdotool search --onlyvisible --name "^$1\$"; }
+no_window_named() { ! window_named "$1"; }
+
+# stand_in NAME...: programs in $bin, first in PATH, that write their name and arguments
+# down, each argument in brackets.
+stand_in() {
+    local name
+    mkdir -p "$bin"
+    export PATH=$bin:/usr/bin:/bin
+    for name in "$@"; do
+        cat >"$bin/$name" <<END
+#!/bin/sh
+{ printf '%s' "$name"; for a; do printf ' [%s]' "\$a"; done; } >"$work/draft.\$\$"
+mv "$work/draft.\$\$" "$work/ran"
+END
+        chmod +x "$bin/$name"
+    done
+}
+
+ran_is() { [ "$(cat "$work/ran")" = "$1" ]; }
+
+# expect_run TEXT WHAT: a stand-in was started that way.
+expect_run() {
+    wait_for "$2 starts <$1>" ran_is "$1"
+    rm "$work/ran"
+}
+
+# What the list and the status bar show (these need desktop_bus).
+selected() { look | sed -n 's/^ *list item "\([^"]*\)".*\[selected\].*/\1/p' | paste -sd ' '; }
+is_selected() { [ "$(selected)" = "$1" ]; }
+status_is() { look_has "label \"$1\""; }
+
+# select_one NAME: the cursor and the selection are there and nowhere else.
+select_one() {
+    types "$1"
+    wait_for "$1 is selected" is_selected "$1"
+    keys Escape
 }
 
 # tav_geometry: "WIDTHxHEIGHT+X+Y" of the window's inside.
