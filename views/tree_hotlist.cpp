@@ -51,8 +51,10 @@ int tree_sort(TreeView *tree)
 void tree_set_paths(const std::vector<std::string> &paths)
 {
     std::vector<std::string> kept;
-    kept.reserve(paths.size());
+    kept.reserve(
+        2 * paths.size()); // room for as many again, so that adding to a long list moves nothing
     sKnown.clear();
+    sKnown.reserve(2 * paths.size());
     for (const std::string &path : paths)
         if (sKnown.insert(path).second)
             kept.push_back(path);
