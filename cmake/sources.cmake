@@ -11,7 +11,7 @@ file(GLOB TAV_CORE_SOURCES ${_glob}
     commands/dtm_scan.cpp commands/ca_scan.cpp
     views/history.cpp views/tree_hotlist.cpp views/tree_file.cpp views/tree_merge.cpp
     views/tree_jobs.cpp views/prop_apply.cpp views/prop_gather.cpp app/ac.cpp app/kb*.cpp platform/ini.cpp
-    platform/replace_file.cpp platform/child.cpp platform/namesake.cpp platform/stop_watch.cpp platform/worker.cpp)
+    platform/replace_file.cpp platform/child.cpp platform/namesake.cpp platform/stop_watch.cpp platform/worker.cpp platform/pool.cpp)
 list(FILTER TAV_CORE_SOURCES EXCLUDE REGEX "_(dlg|ui)[.]cpp$")
 
 file(GLOB TAV_UI_SOURCES ${_glob} platform/*.cpp views/*.cpp fileops/*.cpp commands/*.cpp app/*.cpp)

@@ -2,13 +2,13 @@
 #include "views/tree_jobs.h"
 
 #include "model/fs.h"
+#include "platform/pool.h"
 #include "platform/worker.h"
 
-#include <chrono>
 #include <cstring>
-#include <deque>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <utility>
 
 namespace tav {
 
@@ -18,76 +18,34 @@ TreeCalls gTreeCalls = {fs_path_has_subdirectories, opendir};
 
 namespace {
 
-constexpr auto HUNG_AFTER =
-    std::chrono::milliseconds(200); // no question begun meanwhile: one more worker
-
-// All of it under the mutex. Never freed: a worker that hangs may come back when the program ends.
-struct ProbePool {
+// The pool's threads share it with the main thread. Never freed: one that hangs may come back when
+// the program ends.
+struct Probes {
+    Pool pool;
     std::mutex mutex;
-    std::condition_variable begun; // a question was taken off the queue
-    std::deque<TreeProbe> questions;
-    std::vector<TreeProbe> answers;
-    int workers = 0;      // threads that run
-    uint64_t taken = 0;   // questions taken off so far
-    bool watched = false; // the watching thread runs
+    std::vector<TreeProbe> answers; // under the mutex
 };
 
-ProbePool &pool()
+Probes &probes()
 {
-    static auto *only = new ProbePool;
+    static auto *only = new Probes;
     return *only;
 }
 
 unsigned fs_flags(bool dot_names) { return dot_names ? FS_DOT_NAMES : 0; }
 
-// Answers questions until there are none.
-void probe_work()
+void answer(TreeProbe &probe)
 {
-    ProbePool &p = pool();
-    std::unique_lock lock(p.mutex);
-    while (!p.questions.empty()) {
-        TreeProbe probe = std::move(p.questions.front());
-        p.questions.pop_front();
-        ++p.taken;
-        p.begun.notify_all();
-        lock.unlock();
-        probe.subdirectories =
-            gTreeCalls.has_subdirectories(nullptr, probe.path.c_str(), fs_flags(probe.dot_names));
-        lock.lock();
-        p.answers.push_back(std::move(probe));
-        if (p.answers.size() == 1 && gTreeProbeNotify) {
-            lock.unlock();
-            gTreeProbeNotify();
-            lock.lock();
-        }
+    probe.subdirectories =
+        gTreeCalls.has_subdirectories(nullptr, probe.path.c_str(), fs_flags(probe.dot_names));
+    bool first;
+    {
+        const std::lock_guard lock(probes().mutex);
+        probes().answers.push_back(std::move(probe));
+        first = probes().answers.size() == 1;
     }
-    --p.workers;
-    p.begun.notify_all();
-}
-
-// Under the mutex.
-bool start_worker(ProbePool &p)
-{
-    ++p.workers;
-    if (worker_start(probe_work) == 0)
-        return true;
-    --p.workers;
-    return false;
-}
-
-// While questions wait: one more worker whenever the others seem to hang.
-void probe_watch()
-{
-    ProbePool &p = pool();
-    std::unique_lock lock(p.mutex);
-    while (!p.questions.empty()) {
-        const uint64_t taken = p.taken;
-        const bool moved = p.begun.wait_for(
-            lock, HUNG_AFTER, [&p, taken] { return p.taken != taken || p.questions.empty(); });
-        if (!moved && p.workers < TREE_WORKERS_MAX)
-            start_worker(p);
-    }
-    p.watched = false;
+    if (first && gTreeProbeNotify)
+        gTreeProbeNotify();
 }
 
 bool is_wanted(const TreeLevelRequest &request, const char *name)
@@ -177,32 +135,16 @@ std::vector<TreeRow> tree_level_take(TreeLevel &level, int milliseconds, bool &d
 
 void tree_probe_ask(std::vector<TreeProbe> questions)
 {
-    ProbePool &p = pool();
-    const std::lock_guard lock(p.mutex);
     for (TreeProbe &question : questions)
-        p.questions.push_back(std::move(question));
-    while (p.workers < TREE_WORKERS && p.workers < static_cast<int>(p.questions.size()))
-        if (!start_worker(p))
-            break;
-    if (!p.watched && !p.questions.empty())
-        p.watched = worker_start(probe_watch) == 0;
+        pool_ask(probes().pool, [question = std::move(question)]() mutable { answer(question); });
 }
 
-void tree_probe_forget()
-{
-    ProbePool &p = pool();
-    const std::lock_guard lock(p.mutex);
-    p.questions.clear();
-    p.begun.notify_all();
-}
+void tree_probe_forget() { pool_forget(probes().pool); }
 
 std::vector<TreeProbe> tree_probe_answers()
 {
-    ProbePool &p = pool();
-    const std::lock_guard lock(p.mutex);
-    std::vector<TreeProbe> answers;
-    answers.swap(p.answers);
-    return answers;
+    const std::lock_guard lock(probes().mutex);
+    return std::exchange(probes().answers, {});
 }
 
 } // namespace tav

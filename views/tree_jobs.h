@@ -2,9 +2,8 @@
 // has subdirectories. Knows no Qt and no widget. Hanging disks hang their worker, nobody else.
 //
 // Levels: one detached thread each, which appends rows to a record under its mutex until it is done
-// or told to stop. Probes: one queue for a few detached threads; a thread that does not come back
-// is replaced while others wait, up to a limit. Answers stand in a second queue. Whoever puts the
-// first row or answer into an empty place calls the notifier, once per batch.
+// or told to stop. Probes: a pool of threads works them off; their answers stand in a queue.
+// Whoever puts the first row or answer into an empty place calls the notifier, once per batch.
 #pragma once
 
 #include <atomic>
@@ -70,8 +69,5 @@ struct TreeCalls {
     DIR *(*open)(const char *path);
 };
 extern TreeCalls gTreeCalls;
-
-constexpr int TREE_WORKERS = 4;      // threads that answer probes
-constexpr int TREE_WORKERS_MAX = 32; // with those that hang
 
 } // namespace tav

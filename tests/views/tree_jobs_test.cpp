@@ -1,4 +1,5 @@
 // The tree's workers: levels and probes, quick ones and ones that hang.
+#include "platform/pool.h"
 #include "testdir.h"
 #include "views/tree_jobs.h"
 
@@ -149,14 +150,14 @@ TEST_F(TreeJobs, HangingDirectoriesDoNotKeepTheOthersWaiting)
     gTreeCalls.has_subdirectories = slow_has_subdirectories;
     sHang = true;
     std::vector<TreeProbe> questions;
-    for (uint64_t i = 1; i <= 2 * TREE_WORKERS; ++i)
+    for (uint64_t i = 1; i <= 2 * POOL_WORKERS; ++i)
         questions.push_back({i, "hang" + std::to_string(i), true, 0});
     questions.push_back({100, "quick", true, 0});
     tree_probe_ask(std::move(questions));
     EXPECT_THAT(answers(1), ElementsAre("quick=7"));
-    EXPECT_EQ(sHanging, 2 * TREE_WORKERS);
+    EXPECT_EQ(sHanging, 2 * POOL_WORKERS);
     sHang = false;
-    EXPECT_EQ(answers(2 * TREE_WORKERS).size(), 2u * TREE_WORKERS);
+    EXPECT_EQ(answers(2 * POOL_WORKERS).size(), 2u * POOL_WORKERS);
 }
 
 TEST_F(TreeJobs, QuestionsThatNobodyBeganAreForgotten)
@@ -164,14 +165,14 @@ TEST_F(TreeJobs, QuestionsThatNobodyBeganAreForgotten)
     gTreeCalls.has_subdirectories = slow_has_subdirectories;
     sHang = true;
     std::vector<TreeProbe> questions;
-    for (uint64_t i = 1; i <= TREE_WORKERS; ++i)
+    for (uint64_t i = 1; i <= POOL_WORKERS; ++i)
         questions.push_back({i, "hang" + std::to_string(i), true, 0});
     tree_probe_ask(std::move(questions));
-    ASSERT_TRUE(test_wait([] { return sHanging == TREE_WORKERS; }));
+    ASSERT_TRUE(test_wait([] { return sHanging == POOL_WORKERS; }));
     tree_probe_ask({{100, "later", true, 0}});
     tree_probe_forget();
     sHang = false;
-    EXPECT_EQ(answers(TREE_WORKERS).size(), size_t(TREE_WORKERS));
+    EXPECT_EQ(answers(POOL_WORKERS).size(), size_t(POOL_WORKERS));
     ASSERT_TRUE(test_wait([] { return sHanging == 0; }));
     EXPECT_TRUE(tree_probe_answers().empty());
 }
