@@ -3,6 +3,7 @@
 // of the main loop so that a huge directory does not stop the window, and takes the first one's
 // place.
 #include "commands/dtm.h"
+#include "platform/pool.h"
 #include "platform/shown.h"
 #include "platform/ui_gate.h"
 #include "platform/w.h"
@@ -19,6 +20,8 @@ namespace tav {
 namespace {
 
 constexpr int FILL_TURN = 500; // items made before the main loop runs again
+// A menu of more items than this is shown before the items have their texts, see make_room.
+constexpr size_t MANY = 2000;
 
 // A submenu being filled. Lives in the queue of posted calls; the item may be gone when the next
 // turn comes.
@@ -53,8 +56,7 @@ std::unique_ptr<DirMenuItem> x_new_item(QMenu *menu, const std::string &path,
     std::string text(label);
     if (text.empty() || text.back() != '/')
         text += '/';
-    made->setText(shown_label(text));
-    made->setData(shown_text(text)); // what letters are compared with
+    made->set_label(shown_label(text));
     made->path = path;
     made->flags = flags & ~DTM_EXAMINE;
     made->action = action;
@@ -118,15 +120,20 @@ void x_show_states(DirMenuItem &item)
 }
 
 // Adds items up to that one; false after a failure, of which the user is told.
-bool x_fill_to(DirMenuItem &item, QMenu *menu, const std::vector<std::string> &names, size_t end)
+bool x_fill_to(DirMenuItem &item, DtmMenu *menu, const std::vector<std::string> &names, size_t end)
 {
     QList<QAction *> actions;
+    const bool many = names.size() > MANY;
     auto i = static_cast<size_t>(item.items.size());
     try {
         for (; i < end; i++) {
             const std::string path = dtm_join(item.path, names[i]);
             actions.append(x_new_item(menu, path, names[i], item.flags, item.action).release());
             item.items.append(static_cast<DirMenuItem *>(actions.last()));
+            if (many)
+                menu->make_room(item.items.last()->label());
+            else
+                actions.last()->setText(item.items.last()->label());
         }
     } catch (const std::bad_alloc &) {
         dtm_errinfo("Add Item",
@@ -134,6 +141,19 @@ bool x_fill_to(DirMenuItem &item, QMenu *menu, const std::vector<std::string> &n
     }
     menu->addActions(actions);
     return i == end;
+}
+
+// Gives the items of a menu that has been laid out their texts, which assistive technology reads.
+void x_name_items(const std::shared_ptr<Filling> &filling, qsizetype from)
+{
+    if (!filling->item || !filling->menu)
+        return;
+    const QList<DirMenuItem *> &items = filling->item->items;
+    const qsizetype end = std::min(items.size(), from + FILL_TURN);
+    for (qsizetype i = from; i < end; i++)
+        items[i]->setText(items[i]->label());
+    if (end < items.size())
+        QTimer::singleShot(0, filling->item, [filling, end] { x_name_items(filling, end); });
 }
 
 void x_fill(const std::shared_ptr<Filling> &filling)
@@ -151,6 +171,8 @@ void x_fill(const std::shared_ptr<Filling> &filling)
     }
     x_exchange(*item, filling->menu);
     x_show_states(*item);
+    if (names.size() > MANY)
+        QTimer::singleShot(0, item, [filling] { x_name_items(filling, 0); });
 }
 
 void x_open(DirMenuItem &item);
@@ -271,6 +293,13 @@ void x_examined_as(const std::pair<std::string, unsigned> &directory, DtmState s
             x_set_examined(*item, state);
 }
 
+// Looks at the directories; never freed, as a hanging one may let go when the program ends.
+Pool &x_pool()
+{
+    static auto *only = new Pool;
+    return *only;
+}
+
 // Finds out whether an item shows an arrow, without opening it.
 void x_examine(DirMenuItem &item)
 {
@@ -285,7 +314,7 @@ void x_examine(DirMenuItem &item)
         const DtmState state = any ? DtmState::cascade : DtmState::plain;
         ui_post([directory, state] { x_examined_as(directory, state); });
     };
-    if (worker_start(work) != 0)
+    if (pool_ask(x_pool(), work) != 0)
         x_examined_as(directory, DtmState::cascade);
 }
 
@@ -321,6 +350,7 @@ DirMenuItem *dtm_add_item(QMenu *menu, const std::string &path, std::string_view
 {
     try {
         DirMenuItem *item = x_new_item(menu, path, label, flags, action).release();
+        item->setText(item->label());
         menu->addAction(item);
         dtm_menu_attend(menu);
         if (flags & DTM_EXAMINE)

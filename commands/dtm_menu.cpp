@@ -9,6 +9,7 @@
 #include <QPointer>
 #include <QProxyStyle>
 #include <QStyleOptionMenuItem>
+#include <algorithm>
 
 namespace tav {
 
@@ -16,9 +17,18 @@ namespace {
 
 constexpr QRgb GREY = 0xFF909090; // of an item that is still being examined
 
-// A menu longer than the screen scrolls instead of growing columns.
+// A menu longer than the screen scrolls instead of growing columns. An item without a text is as
+// wide as the widest label of the menu.
 class ScrollStyle : public QProxyStyle {
 public:
+    QSize sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &size,
+                           const QWidget *widget) const override
+    {
+        const auto *menu = type == CT_MenuItem ? qobject_cast<const DtmMenu *>(widget) : nullptr;
+        const int room = menu ? menu->room() : 0;
+        return QProxyStyle::sizeFromContents(
+            type, option, QSize(std::max(size.width(), room), size.height()), widget);
+    }
     int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
                   QStyleHintReturn *result) const override
     {
@@ -50,6 +60,7 @@ private:
     bool take_press(const QMouseEvent &event);
     bool take_key(const QKeyEvent &event);
     bool go_to_letter(const QString &text);
+    bool go_to_shared_mnemonic(int key);
 
     QMenu *m_menu;
     QPointer<DtmAnyItem> m_pressed; // what the last press hit
@@ -95,7 +106,7 @@ bool Attendant::take_key(const QKeyEvent &event)
         return true;
     }
     return !(event.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) &&
-           go_to_letter(event.text());
+           (go_to_letter(event.text()) || go_to_shared_mnemonic(event.key()));
 }
 
 // To the next item, after the current one and round, whose label begins with the text.
@@ -107,12 +118,38 @@ bool Attendant::go_to_letter(const QString &text)
     const qsizetype from = all.indexOf(m_menu->activeAction());
     for (qsizetype i = 1; i <= all.size(); i++) {
         auto *item = qobject_cast<DtmAnyItem *>(all[(from + i + all.size()) % all.size()]);
-        if (item && item->data().toString().startsWith(text, Qt::CaseInsensitive)) {
+        if (item && item->label().startsWith(text, Qt::CaseInsensitive)) {
             m_menu->setActiveAction(item);
             return true;
         }
     }
     return false;
+}
+
+bool x_has_mnemonic(const QAction *action, int key)
+{
+    const QKeySequence mnemonic = QKeySequence::mnemonic(action->text());
+    return action->isVisible() && !mnemonic.isEmpty() && mnemonic[0].key() == key;
+}
+
+// A menu goes no further than a dimmed item of the letter. When some of those that share it are
+// dimmed, the others take turns, and a single one is chosen.
+bool Attendant::go_to_shared_mnemonic(int key)
+{
+    QList<QAction *> sharing = m_menu->actions();
+    sharing.removeIf([key](const QAction *action) { return !x_has_mnemonic(action, key); });
+    const qsizetype all = sharing.size();
+    sharing.removeIf([](const QAction *action) { return !action->isEnabled(); });
+    if (sharing.isEmpty() || sharing.size() == all)
+        return false;
+    const bool only = sharing.size() == 1;
+    QAction *next = sharing[(sharing.indexOf(m_menu->activeAction()) + 1) % sharing.size()];
+    m_menu->setActiveAction(next);
+    if (only && next->menu() == nullptr) {
+        QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_menu, &enter);
+    }
+    return true;
 }
 
 } // namespace
@@ -123,12 +160,18 @@ DtmMenu::DtmMenu(QWidget *parent) : QMenu(parent)
     dtm_menu_attend(this);
 }
 
+void DtmMenu::make_room(const QString &label)
+{
+    m_room = std::max(m_room, fontMetrics().horizontalAdvance(label));
+}
+
 void DtmMenu::initStyleOption(QStyleOptionMenuItem *option, const QAction *action) const
 {
     QMenu::initStyleOption(option, action);
     const auto *item = qobject_cast<const DtmAnyItem *>(action);
     if (item == nullptr)
         return;
+    option->text = item->label();
     option->menuItemType = item->state() == DtmState::cascade ? QStyleOptionMenuItem::SubMenu
                                                               : QStyleOptionMenuItem::Normal;
     if (item->state() == DtmState::unknown)
