@@ -22,7 +22,7 @@ std::string long_filename_setup(Ui::long_filename_dlg &form, const std::string &
                                 const std::string &dest)
 {
     const std::string oldfile = long_name_cut(x_last_component(source), LONG_NAME_OLD);
-    const std::string newfile = long_name_cut(x_last_component(dest), LONG_NAME_NEW);
+    std::string newfile = long_name_cut(x_last_component(dest), LONG_NAME_NEW);
     form.long_filename_oldname->setText(shown_text(oldfile));
     form.long_filename_oldname->setCursorPosition(0);
     const QString shown = shown_text(newfile); // a byte may take more than one character

@@ -135,7 +135,8 @@ void x_prop_setup_one(const DirEntry &entry)
     x_show_row(form.pr_symbolic_title, form.pr_symbolic, link);
     x_show_mode(entry.stat.st_mode);
     form.pr_name->setFocus();
-    form.pr_name->selectAll();
+    const auto length = static_cast<int>(form.pr_name->text().size());
+    form.pr_name->setSelection(length, -length); // all of it, its beginning in sight
 }
 
 void x_prop_setup_multi()
