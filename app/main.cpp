@@ -6,6 +6,7 @@
 #include "app/start.h"
 #include "platform/res.h"
 #include "platform/scheme.h"
+#include "platform/style.h"
 #include "platform/ui_gate.h"
 
 #include <QApplication>
@@ -81,6 +82,7 @@ int main(int argc, char **argv)
     const QtMessageHandler previous = qInstallMessageHandler(x_fatal_message);
     QApplication application(toolkit_count, toolkit_words.data());
     qInstallMessageHandler(previous);
+    style_install();
     QApplication::setApplicationName(QStringLiteral("tav"));
     QGuiApplication::setDesktopFileName(QStringLiteral("tav"));
     QApplication::setQuitOnLastWindowClosed(false);
