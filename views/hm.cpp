@@ -9,6 +9,7 @@
 #include "views/menu_item.h"
 #include "views/tb.h"
 #include "views/tree.h"
+#include "views/tree_go.h"
 
 namespace tav {
 
@@ -67,7 +68,7 @@ int x_newpath_cb(QWidget *widget, const char *path)
 
 int _new_path(const char *path)
 {
-    fl_newpath(nullptr, path);
+    tree_go(path, false);
     return W_CONTINUE;
 }
 

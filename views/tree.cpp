@@ -9,6 +9,7 @@
 #include "platform/w.h"
 #include "views/fl.h"
 #include "views/tb.h"
+#include "views/tree_go.h"
 #include "views/tree_level.h"
 
 #include <optional>
@@ -47,6 +48,7 @@ void row_removed(TreeView *tree, const std::string &path)
 void forget_tree()
 {
     tree_level_drop_all();
+    tree_go_forget();
     sTree = nullptr;
     sRootPath.reset();
     sDepth = 0;
@@ -219,7 +221,6 @@ int tree_state_cb(TreeView *tree, TreeItem *row, bool expanded)
 
 int tree_selection_cb(TreeView *tree, TreeItem *row)
 {
-    const bool had_focus = tree->hasFocus();
     tree->setCurrentItem(row);
     std::string path;
     x_get_fullpath(row, path);
@@ -227,9 +228,7 @@ int tree_selection_cb(TreeView *tree, TreeItem *row)
         wreport(gBase, "Error", "Directory '%s', not found",
                 shown_text(path).toStdString().c_str());
     else if (!gDir.has_path || path != gDir.path)
-        fl_newpath(tree, path.c_str());
-    if (had_focus)
-        wfocus(tree);
+        tree_go(path, true);
     return W_CONTINUE;
 }
 

@@ -92,6 +92,39 @@ test_by_mouse() {
     wait_for "it is written" written "*.z|show @||ped"
 }
 
+# What cannot be read as text is shown as what it is, and kept.
+test_odd_bytes() {
+    printf '*.a\tx\r\n*.\xFF\ty\x01\t%s\tz\tlost\tlost\n' "$(printf 'v%.0s' {1..900})" >"$(file)"
+    tav_start "$work/docs"
+    tav_ready "$work/docs"
+    open_list
+    wait_for "a carriage return is seen" has_row "x␍"
+    wait_for "no text is seen as bytes" has_row '*.\xFF'
+    keys alt+d
+    wait_for "the list is closed" no_window_named Associate
+    expect "2" "$(tail -n +2 "$(file)" | wc -l)" "rows written"
+    tail -n +2 "$(file)" | head -n 1 | cmp - <(printf '*.a\tx\r\t\t\n') || fail "the first row has changed"
+    tail -n 1 "$(file)" | cut -f 1,2,4 | cmp - <(printf '*.\xFF\ty\x01\tz\n') || fail "the second row has changed"
+    tav_quit
+}
+
+# A row without a TAB ends the program with a message, comments uncounted.
+test_malformed_file() {
+    local content
+    for content in '# comment\n*.x\ta\nnothing\n' '# comment\n*.x\ta\n\n' '*.x\ta\n\0\tb\n'; do
+        # shellcheck disable=SC2059 # the escapes are meant
+        printf "$content" >"$(file)"
+        tav_start "$work/docs"
+        wait_for "a message is there" window_named Error
+        wait_for "it names the row" look_has "Invalid association at line 2"
+        keys Return
+        tav_status
+        expect 1 "$tav_exit" "exit status"
+    done
+}
+
 test_by_key
 test_by_mouse
 tav_quit
+test_odd_bytes
+test_malformed_file

@@ -1,5 +1,6 @@
 // The directory tree on disks that are slow, hang or refuse, and long levels and lists: nothing
 // waits, and what comes later comes in order.
+#include "platform/worker.h"
 #include "views/tree_jobs.h"
 #include "ways_fixture.h"
 
@@ -126,6 +127,59 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitFor([this] { return m->row(0)->childCount() == 1; }));
         m->settle();
         QTRY_COMPARE(sHanging.load(), 0);
+    }
+
+    void a_click_on_a_hanging_directory_stops_nothing()
+    {
+        const Calls calls({slow_has_subdirectories, slow_open});
+        sHang = true;
+        m->dir.dir("hang");
+        m->dir.dir("quick");
+        m->hotlist_unsettled({m->dir.at("hang"), m->dir.at("quick")});
+        QTRY_COMPARE(sHanging.load(), 1); // the row's own question
+        m->tree->setFocus();
+        for (int i = 0; i < 3; ++i)
+            m->click_only(m->row(0));
+        QVERIFY(tree_go_is_waiting());
+        QTRY_COMPARE(sHanging.load(), 2); // asked once, however often it is wanted
+        QCOMPARE(gDir.path, m->dir.path());
+        QCOMPARE(m->left(),
+                 QStringLiteral("Waiting for '%1'").arg(QString::fromStdString(m->dir.at("hang"))));
+        sHang = false;
+        QTRY_COMPARE(gDir.path, m->dir.at("hang"));
+        QVERIFY(m->tree->hasFocus());
+        QCOMPARE(fl_get_back_count(), 1);
+    }
+
+    void a_directory_that_answers_too_late_is_not_shown()
+    {
+        const Calls calls({slow_has_subdirectories, slow_open});
+        sHang = true;
+        m->dir.dir("hang");
+        m->dir.dir("quick");
+        m->hotlist_unsettled({m->dir.at("hang"), m->dir.at("quick")});
+        m->click_only(m->row(0));
+        m->click(m->row(1));
+        QCOMPARE(gDir.path, m->dir.at("quick"));
+        m->click_only(m->row(0));
+        fl_newpath(nullptr, m->dir.path().c_str());
+        sHang = false;
+        QTRY_COMPARE(worker_count(), 0);
+        QTRY_VERIFY(!tree_go_is_waiting());
+        QCOMPARE(gDir.path, m->dir.path());
+    }
+
+    void the_hotlist_menu_does_not_wait_for_a_hanging_directory()
+    {
+        const Calls calls({slow_has_subdirectories, slow_open});
+        sHang = true;
+        m->dir.dir("hang");
+        m->list->setFocus();
+        _new_path(m->dir.at("hang").c_str());
+        QCOMPARE(gDir.path, m->dir.path());
+        sHang = false;
+        QTRY_COMPARE(gDir.path, m->dir.at("hang"));
+        QVERIFY(m->list->hasFocus());
     }
 
     void a_row_may_go_while_its_level_is_being_read()

@@ -22,6 +22,7 @@
 #include "views/tb.h"
 #include "views/tb_box.h"
 #include "views/tree.h"
+#include "views/tree_go.h"
 #include "views/tree_level.h"
 #include "views/vm.h"
 
@@ -183,7 +184,13 @@ struct WaysWindow {
         const QRect rect = tree->visualItemRect(item);
         return {rect.left() + 30, rect.top() + static_cast<int>(rect.height() * part)};
     }
+    // A click; also what it leads to, when a busy machine takes its time.
     void click(TreeItem *item)
+    {
+        click_only(item);
+        QVERIFY(QTest::qWaitFor([] { return !tree_go_is_waiting(); }, 10000));
+    }
+    void click_only(TreeItem *item)
     {
         QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, at(item));
     }
