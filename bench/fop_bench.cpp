@@ -58,8 +58,8 @@ void x_run_job(int op, const std::string &source, const std::vector<std::string>
     fop_thread(x_job(op, source, names, dest));
 }
 
-// Runs a program and waits for it.
-void x_program(const std::vector<std::string> &words)
+// Runs a program and waits for it. Whether it went well.
+bool x_program(const std::vector<std::string> &words)
 {
     std::vector<char *> argv;
     for (const std::string &word : words)
@@ -74,6 +74,7 @@ void x_program(const std::vector<std::string> &words)
     ::waitpid(child, &status, 0);
     if (status != 0)
         std::fprintf(stderr, "%s failed\n", words[0].c_str());
+    return status == 0;
 }
 
 void x_remove(const std::string &path) { x_program({"rm", "-rf", path}); }
@@ -154,6 +155,44 @@ void x_large(BenchPlace place)
     x_make_large(scratch + "/large");
     x_copy_row(row, scratch, "large", scratch);
     x_remove(scratch + "/large");
+}
+
+// A file system that clones, in a file, where this user may mount one. False with a word when not.
+bool x_mount_clone(const std::string &image, const std::string &top)
+{
+    int fd = ::open(image.c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0600);
+    bool made = fd != -1 && ::ftruncate(fd, 3 * LARGE) == 0;
+    if (fd != -1)
+        ::close(fd);
+    ::mkdir(top.c_str(), 0755);
+    if (made && x_program({"mkfs.xfs", "-q", image}) &&
+        x_program({"mount", "-o", "loop", image, top}))
+        return true;
+    std::fprintf(stderr, "copy_clone is not measured: no file system that clones can be mounted\n");
+    return false;
+}
+
+void x_clone()
+{
+    BenchRow row{"copy_clone", 1.2, 15};
+    if (!bench_wants(row.name))
+        return;
+    const std::string image = bench_scratch(BenchPlace::Disk) + "/image";
+    const std::string top = bench_scratch(BenchPlace::Disk) + "/clone";
+    if (x_mount_clone(image, top)) {
+        x_make_large(top + "/large");
+        ::mkdir((top + "/to").c_str(), 0755);
+        auto drop = [&] { x_remove(top + "/to/large"); };
+        BenchSide ours{{}, [&] { x_run_job(FOP_COPY, top, {"large"}, top + "/to"); }, drop};
+        BenchSide cp{{},
+                     [&] {
+                         x_program({"cp", "-a", "--reflink=always", top + "/large", top + "/to"});
+                     },
+                     drop};
+        bench_compare(row, ours, cp);
+        x_program({"umount", top});
+    }
+    ::unlink(image.c_str());
 }
 
 void x_move(BenchPlace place)
@@ -269,6 +308,7 @@ int main(int argc, char **argv)
         x_move(place);
         x_delete(place);
     }
+    x_clone();
     x_scan();
     x_memory();
     return 0;
