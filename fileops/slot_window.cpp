@@ -105,6 +105,19 @@ void x_measure(QWidget *pane)
     sHolder->verticalScrollBar()->setSingleStep(sHeight);
 }
 
+// A window that has grown past the screen's edge moves back, where windows may move themselves.
+void x_keep_on_screen()
+{
+    const QScreen *screen = sWindow->screen();
+    if (!sWindow->isVisible() || !screen)
+        return;
+    const QRect room = screen->availableGeometry(), frame = sWindow->frameGeometry();
+    const int x = std::max(room.left(), std::min(frame.left(), room.right() + 1 - frame.width()));
+    const int y = std::max(room.top(), std::min(frame.top(), room.bottom() + 1 - frame.height()));
+    if (QPoint(x, y) != frame.topLeft())
+        sWindow->move(x, y);
+}
+
 } // namespace
 
 bool slot_take_progress(FileOp &job, SlotShown &shown)
@@ -164,8 +177,10 @@ bool slot_window_add(SlotWidgets &slot)
         x_measure(pane);
     pane->setFixedHeight(sHeight);
     pane->show();
-    if (first)
+    if (first) { // of its size already when it is given a place
+        slot_window_resize(1);
         sWindow->show();
+    }
     return true;
 }
 
@@ -195,7 +210,9 @@ void slot_window_resize(int count)
     const QSize size(sWidth + (scrolls ? bar : 0), scrolls ? sMaxHeight : wanted);
     sHolder->setMinimumSize(size.width(), std::min(sHeight, size.height()));
     sHolder->setMaximumHeight(size.height());
-    sWindow->resize(std::max(sWindow->width(), size.width()), size.height());
+    const int least = sWindow->isVisible() ? sWindow->width() : 0; // what the user made of it stays
+    sWindow->resize(std::max(least, size.width()), size.height());
+    x_keep_on_screen();
 }
 
 void slot_window_centre(QWidget *box)

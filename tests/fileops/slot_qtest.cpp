@@ -162,6 +162,19 @@ private Q_SLOTS:
                 window()->screen()->availableGeometry().height() - SLOT_SCREEN_REST);
     }
 
+    void a_window_that_grows_stays_on_the_screen()
+    {
+        sHold = true;
+        QCOMPARE(start(FOP_COPY, "a"), 0);
+        QTRY_COMPARE(panes().size(), 1);
+        const QRect screen = window()->screen()->availableGeometry();
+        window()->move(screen.right() - 100, screen.bottom() - window()->height());
+        QCOMPARE(start(FOP_COPY, "b"), 0);
+        QTRY_COMPARE(panes().size(), 2);
+        const QRect frame = window()->frameGeometry();
+        QVERIFY(screen.contains(frame));
+    }
+
     void the_51st_is_not_started()
     {
         sHold = true;
