@@ -27,6 +27,7 @@ void tb_filter_setup(QToolBar *bar)
     auto *filter = new TbBox(bar);
     filter->setObjectName(QStringLiteral("tb_filespec"));
     filter->setAccessibleName(QStringLiteral("Filter"));
+    filter->edit()->setAccessibleName(QStringLiteral("Filter"));
     filter->setToolTip(QStringLiteral("Shown names: patterns between |, ^ in front ignores case"));
     filter->setMinimumContentsLength(FILTER_CHARACTERS);
     bar->addWidget(filter);

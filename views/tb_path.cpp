@@ -97,6 +97,7 @@ void tb_path_setup(QToolBar *bar)
     auto *path = new TbBox(bar);
     path->setObjectName(QStringLiteral("tb_curpath"));
     path->setAccessibleName(QStringLiteral("Path"));
+    path->edit()->setAccessibleName(QStringLiteral("Path"));
     path->setToolTip(QStringLiteral("Current directory"));
     path->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     path->set_greedy();

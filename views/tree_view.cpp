@@ -32,6 +32,9 @@ public:
         QSize size = QStyledItemDelegate::sizeHint(option, index);
         size.setHeight(std::max(
             {size.height(), option.fontMetrics.height() + ROW_MARGIN, IMAGE_SIZE + ROW_MARGIN}));
+        if (const auto *tree = qobject_cast<const TreeView *>(option.widget);
+            tree && is_path(index))
+            size.setWidth(std::min(size.width(), tree->viewport()->width() - tree->indentation()));
         return size;
     }
 
@@ -40,6 +43,16 @@ protected:
     {
         QStyledItemDelegate::initStyleOption(option, index);
         option->state &= ~QStyle::State_HasFocus; // the whole row shows the cursor, without a frame
+        if (is_path(index))
+            option->textElideMode = Qt::ElideLeft;
+    }
+
+private:
+    // A row of the hotlist is as wide as the pane: where that is too narrow, the end of the path
+    // is what tells it from others. The names below it can be scrolled to.
+    static bool is_path(const QModelIndex &index)
+    {
+        return !index.parent().isValid() && tree_root() == nullptr;
     }
 };
 
@@ -190,6 +203,7 @@ void TreeView::contextMenuEvent(QContextMenuEvent *event)
 void TreeView::resizeEvent(QResizeEvent *event)
 {
     header()->setMinimumSectionSize(viewport()->width()); // rows are as wide as the pane at least
+    header()->resizeSections(QHeaderView::ResizeToContents);
     QTreeWidget::resizeEvent(event);
 }
 

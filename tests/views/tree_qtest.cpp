@@ -1,6 +1,8 @@
 // The directory tree: its two modes, its levels, its clicks and keys.
 #include "ways_fixture.h"
 
+#include <QScrollBar>
+
 namespace tav {
 
 class TreeTest : public QObject {
@@ -326,6 +328,23 @@ private Q_SLOTS:
         QVERIFY(!m->row(0)->text(0).contains(QLatin1Char('\n')));
         QVERIFY(!m->row(1)->text(0).contains(QChar(1)));
         QVERIFY(m->row(0)->toolTip(0).contains(QStringLiteral("&lt;b&gt;")));
+    }
+
+    void hotlist_rows_are_as_wide_as_the_pane_and_names_below_can_be_scrolled_to()
+    {
+        const std::string name(120, 'n');
+        m->dir.dir("top/" + name);
+        m->hotlist({m->dir.at("top"), "/" + name});
+        const QScrollBar *bar = m->tree->horizontalScrollBar();
+        for (const int width : {300, 120, 200}) {
+            m->workspace->setSizes({width, 700 - width});
+            QTRY_COMPARE(bar->maximum(), 0);
+            QCOMPARE(m->tree->columnWidth(0), m->tree->viewport()->width());
+        }
+        m->expand(m->row(0));
+        QTRY_VERIFY(bar->maximum() > 0);
+        m->row(0)->setExpanded(false);
+        QTRY_COMPARE(bar->maximum(), 0);
     }
 
     void a_line_that_names_no_place_is_reported()
