@@ -1,8 +1,10 @@
 // The main window: set-up, metrics, leaving, signals, text fields.
 #include "app/base.h"
 
+#include "app/ac.h"
 #include "app/cl.h"
 #include "app/init.h"
+#include "app/kb.h"
 #include "app/start.h"
 #include "fileops/slot.h"
 #include "platform/lengths.h"
@@ -90,6 +92,18 @@ private Q_SLOTS:
                  QString::fromStdString(m_dir->path() + "/shown"));
         QCOMPARE(gDir.count, 1);
         QTRY_COMPARE(QApplication::focusWidget(), static_cast<QWidget *>(fl_view()));
+    }
+
+    void theListIsLinkedOnceToItsKeysAndNothingIsBound()
+    {
+        gLinks.clear();
+        gSections.clear();
+        start();
+        QCOMPARE(std::distance(gLinks.begin(), gLinks.end()), 1);
+        QCOMPARE(gLinks.front().widget, static_cast<QWidget *>(fl_view()));
+        QCOMPARE(gLinks.front().section->name, std::string("filelist"));
+        QVERIFY(gLinks.front().section->mods.empty());
+        QVERIFY(gActions.empty());
     }
 
     void theDefaultSizeFollowsTheTextFont()
