@@ -8,8 +8,10 @@
 #include <cerrno>
 #include <csignal>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -48,6 +50,44 @@ TEST(Pipe, AnyOtherModeIsInvalid)
         errno = 0;
         EXPECT_EQ(tav::popen("true", mode), nullptr);
         EXPECT_EQ(errno, EINVAL);
+    }
+}
+
+// The descriptor that would be used next.
+int x_next_descriptor()
+{
+    const int descriptor = dup(0);
+    close(descriptor);
+    return descriptor;
+}
+
+TEST(Pipe, WithoutDescriptorsThereIsNoStreamAndTheReasonIsTold)
+{
+    rlimit limit;
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    const int next = x_next_descriptor();
+    for (const int left : {0, 1}) {
+        const rlimit few = {static_cast<rlim_t>(next + left), limit.rlim_max};
+        ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+        errno = 0;
+        EXPECT_EQ(tav::popen("true", "r"), nullptr);
+        EXPECT_EQ(errno, EMFILE);
+    }
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+    EXPECT_EQ(x_next_descriptor(), next);
+    FILE *stream = tav::popen("exit 5", "r");
+    ASSERT_NE(stream, nullptr);
+    EXPECT_EQ(x_exit_code(tav::pclose(stream)), 5);
+}
+
+TEST(Pipe, ACommandThatIsTooLongLeavesNothingBehind)
+{
+    const int next = x_next_descriptor();
+    for (const char *mode : {"r", "w"}) {
+        errno = 0;
+        EXPECT_EQ(tav::popen(std::string(size_t{4} << 20, 'a').c_str(), mode), nullptr);
+        EXPECT_EQ(errno, E2BIG);
+        EXPECT_EQ(x_next_descriptor(), next);
     }
 }
 
