@@ -48,6 +48,25 @@ private Q_SLOTS:
         QCOMPARE(m->button("tb_back")->toolTip(), QStringLiteral("Back (Alt-&lt;-)"));
     }
 
+    void the_bars_hold_these_in_this_order()
+    {
+        const std::pair<const char *, const char *> bars[] = {
+            {"nav_tb", "tb_back tb_forward tb_up tb_home tb_refresh"},
+            {"clip_tb", "tb_cut tb_copy tb_paste"},
+            {"misc_tb", "tb_new_folder tb_properties tb_terminal tb_delete"},
+            {"hotlist_tb", "tb_hotlist tb_add"},
+            {"path_tb", "tb_curpath"},
+            {"filter_tb", "tb_filespec"},
+        };
+        for (const auto &[name, wanted] : bars) {
+            const auto *bar = m->find<QToolBar>(name);
+            QStringList names;
+            for (QAction *action : bar->actions())
+                names += bar->widgetForAction(action)->objectName();
+            QCOMPARE(names.join(u' '), QLatin1String(wanted));
+        }
+    }
+
     void buttons_call_what_higher_floors_filled_in()
     {
         m->dir.file("a");
