@@ -46,6 +46,20 @@ test_everything_else_goes_on() {
     tav_quit
 }
 
+# The Hotlist menu opens and leads to the other one.
+has_entry() { look_has "menu item \"$work/$1"; }
+test_the_hotlist_menu() {
+    tav_start_hanging "$work/shown"
+    tav_ready "$work/shown"
+    keys alt+h
+    wait_for "the menu has the hanging one" has_entry hang/
+    wait_for "and the other one" has_entry quick/
+    keys Up ctrl+Return
+    wait_for "which leads there" tav_shows "$work/quick"
+    answer
+    tav_quit
+}
+
 test_it_is_shown_when_it_answers() {
     tav_start_hanging "$work/shown"
     tav_ready "$work/shown"
@@ -65,5 +79,6 @@ test_leaving_does_not_wait() {
 }
 
 test_everything_else_goes_on
+test_the_hotlist_menu
 test_it_is_shown_when_it_answers
 test_leaving_does_not_wait
