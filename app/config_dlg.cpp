@@ -34,6 +34,7 @@ using Form = Ui::config_dlg;
 constexpr Choice SYMLINKS[] = {{&Form::sym_prompt, CONFIG_SYM_PROMPT},
                                {&Form::sym_symlinks, CONFIG_SYM_SYMLINKS},
                                {&Form::sym_files, CONFIG_SYM_FILES}};
+constexpr Choice OVERWRITE[] = {{&Form::overwrite_prompt, 0}, {&Form::overwrite, CONFIG_OVERWRITE}};
 constexpr Choice SINGLE[] = {{&Form::rm1_prompt, CONFIG_RM1_PROMPT},
                              {&Form::rm1_prompt_nowr, CONFIG_RM1_PROMPT_NOWR},
                              {&Form::rm1_no_prompt, CONFIG_RM1_NO_PROMPT}};
@@ -46,11 +47,30 @@ constexpr Choice INDIVIDUAL[] = {{&Form::rm_i_prompt, CONFIG_RM_I_PROMPT},
 QPointer<QDialog> sDialog; // null when it is not open
 Form sForm;                // valid while the dialog is open
 
+// Tab comes to the button of a group that is set, not to the first: a key pressed there would
+// change the setting. Where none is set, it comes to the first.
+template <size_t N>
+void x_lead_tab(const Choice (&choices)[N])
+{
+    bool any = false;
+    for (const Choice &choice : choices)
+        any = any || (sForm.*choice.button)->isChecked();
+    for (const Choice &choice : choices) {
+        QRadioButton *button = sForm.*choice.button;
+        const auto lead = [button](bool on) {
+            button->setFocusPolicy(on ? Qt::StrongFocus : Qt::ClickFocus);
+        };
+        lead(button->isChecked() || (!any && &choice == choices));
+        QObject::connect(button, &QRadioButton::toggled, button, lead);
+    }
+}
+
 template <size_t N>
 void x_show_choice(const Choice (&choices)[N])
 {
     for (const Choice &choice : choices)
         (sForm.*choice.button)->setChecked(gConfig->flags & choice.bit);
+    x_lead_tab(choices);
 }
 
 template <size_t N>
@@ -129,19 +149,6 @@ void config_list_font()
     x_choose_font(sForm.clist_font, sForm.clist_select, "Select File List Font");
 }
 
-// Tab comes to the button that is set, not to the first of its group: a key pressed there would
-// change the setting.
-void x_lead_tab_to_choices()
-{
-    for (QRadioButton *button : sDialog->findChildren<QRadioButton *>()) {
-        const auto lead = [button](bool set) {
-            button->setFocusPolicy(set ? Qt::StrongFocus : Qt::ClickFocus);
-        };
-        lead(button->isChecked());
-        QObject::connect(button, &QRadioButton::toggled, button, lead);
-    }
-}
-
 void config_setup()
 {
     sForm.cto->setText(QString::number(gConfig->key_timeout));
@@ -155,7 +162,7 @@ void config_setup()
     x_show_choice(SINGLE);
     x_show_choice(MULTIPLE);
     x_show_choice(INDIVIDUAL);
-    x_lead_tab_to_choices();
+    x_lead_tab(OVERWRITE);
 }
 
 // The leading decimal number of a text, 0 without one; what no int holds becomes the nearest that

@@ -2,9 +2,11 @@
 #include "fileops/long_name.h"
 
 #include "platform/shown.h"
+#include "platform/w.h"
 #include "ui_long_filename_dlg.h"
 
 #include <QDialog>
+#include <QLayout>
 #include <QPushButton>
 #include <algorithm>
 #include <fcntl.h>
@@ -12,9 +14,19 @@
 namespace tav {
 namespace {
 
+constexpr int WIDTH = 60; // characters
+
 std::string x_last_component(const std::string &path)
 {
     return path.substr(path.rfind('/') + 1); // npos + 1 is the beginning
+}
+
+// As wide as a name wants it, and as high as the lines then are.
+void x_size(QDialog *dialog)
+{
+    const int width = std::max(WIDTH * dialog->fontMetrics().averageCharWidth(),
+                               dialog->minimumSizeHint().width());
+    dialog->resize(width, dialog->layout()->totalHeightForWidth(width));
 }
 
 // Shows the long name and the proposed one, which gets the keyboard. The proposed one.
@@ -67,7 +79,7 @@ QWidget *long_name_open(const std::string &source, const std::string &dest, FopP
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     Ui::long_filename_dlg form;
     form.setupUi(dialog);
-    dialog->setMinimumWidth(60 * dialog->fontMetrics().averageCharWidth());
+    x_size(dialog);
     const std::string proposed = long_filename_setup(form, source, dest);
     QObject::connect(form.long_filename_cancel, &QPushButton::clicked, dialog, &QDialog::reject);
     QObject::connect(form.long_filename_ok, &QPushButton::clicked, dialog,
@@ -78,6 +90,8 @@ QWidget *long_name_open(const std::string &source, const std::string &dest, FopP
                      });
     QObject::connect(dialog, &QDialog::finished, dialog,
                      [answered](int result) { answered(result == QDialog::Accepted); });
+    if (gBase && gBase->isVisible())
+        wcenter(gBase, dialog);
     dialog->show();
     dialog->raise();
     dialog->activateWindow();

@@ -8,6 +8,7 @@
 #include <QFontDialog>
 #include <QLineEdit>
 #include <QRadioButton>
+#include <QSet>
 
 using namespace tav;
 using namespace tav::test;
@@ -164,6 +165,21 @@ private Q_SLOTS:
         QVERIFY(dialog_find<QRadioButton>(DIALOG, "rm_i_no_prompt")->hasFocus());
         x_done();
         QCOMPARE(gConfig->flags & 0x1C00, 0x1000U);
+    }
+
+    void a_group_with_nothing_set_is_reached_and_takes_its_last_choice()
+    {
+        x_open(0);
+        QTRY_COMPARE(QApplication::activeWindow(), dialog_up(DIALOG));
+        QSet<QString> seen;
+        for (int i = 0; i < 20; i++) {
+            seen.insert(QApplication::focusWidget()->objectName());
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        }
+        for (const char *name : {"rm1_prompt", "sym_prompt", "rm_prompt", "rm_i_prompt"})
+            QVERIFY2(seen.contains(QLatin1String(name)) && !x_is_set(name), name);
+        x_done();
+        QCOMPARE(gConfig->flags, (0x10U | 0x80U | 0x200U | 0x1000U) | CONFIG_MARKER);
     }
 
     void hiding_dot_files_takes_effect_at_once_and_in_the_menus()

@@ -130,6 +130,34 @@ private Q_SLOTS:
         QCOMPARE(entry_name(gDir.current), std::string("new & <b>"));
     }
 
+    void any_name_that_a_file_can_have_is_given_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        for (const char *name : {"two\nlines", "-rf", " blanks ", "<b>bold<b>", "&amp;", "a|b*?[c]",
+                                 "...", "\\xE9", "\xC3\xA4\xF0\x9F\x98\x80", "100%s%n"})
+            QTest::newRow(name) << QByteArray(name);
+    }
+    void any_name_that_a_file_can_have_is_given()
+    {
+        QFETCH(QByteArray, name);
+        case_->dir.file("a");
+        case_->dir.file("z");
+        case_->open({"a"});
+        prop_edit("pr_name", name.constData());
+        QCOMPARE(prop_done_says(), QStringLiteral("nothing"));
+        QVERIFY(case_->dir.has(name.toStdString()) && !case_->dir.has("a"));
+        QCOMPARE(entry_name(gDir.current), name.toStdString());
+    }
+
+    void names_in_messages_are_plain_text()
+    {
+        case_->dir.file("a");
+        case_->dir.file("<b>&x%s");
+        case_->open({"a"});
+        prop_edit("pr_name", "<b>&x%s");
+        QCOMPARE(prop_done_says(), QStringLiteral("Error: File name '<b>&x%s' already exists"));
+    }
+
     void renaming_to_what_exists_is_refused_and_replaces_nothing()
     {
         case_->dir.file("a", 1);
