@@ -19,8 +19,6 @@ namespace tav {
 
 namespace {
 
-constexpr char16_t ESCAPED = 0xDC00; // with a byte above 0x7F in it: no text has such a lone half
-
 // The entry to be renamed: the one that is selected, else the current one.
 int x_entry()
 {
@@ -48,24 +46,6 @@ qsizetype x_stem(const QString &text)
     return dot > 0 ? dot : text.size();
 }
 
-// Bytes of the UTF-8 character at the beginning of the text, 0 when there is none.
-size_t x_character(std::string_view bytes)
-{
-    const auto first = static_cast<unsigned char>(bytes[0]);
-    const size_t size = first < 0x80   ? 1
-                        : first < 0xC2 ? 0
-                        : first < 0xE0 ? 2
-                        : first < 0xF0 ? 3
-                        : first < 0xF5 ? 4
-                                       : 0;
-    if (size == 0 || size > bytes.size())
-        return 0;
-    const QString text = QString::fromUtf8(bytes.data(), static_cast<qsizetype>(size));
-    return text.contains(QChar::ReplacementCharacter) && bytes.substr(0, 3) != "\xEF\xBF\xBD"
-               ? 0
-               : size;
-}
-
 void x_rename(const std::string &directory, const std::string &from, const std::string &to)
 {
     std::string message;
@@ -80,35 +60,6 @@ void x_rename(const std::string &directory, const std::string &from, const std::
 }
 
 } // namespace
-
-QString em_rename_text(std::string_view name)
-{
-    QString text;
-    while (!name.empty()) {
-        const size_t size = x_character(name);
-        if (size == 0)
-            text += QChar(static_cast<char16_t>(ESCAPED + static_cast<unsigned char>(name[0])));
-        else
-            text += QString::fromUtf8(name.data(), static_cast<qsizetype>(size));
-        name.remove_prefix(size == 0 ? 1 : size);
-    }
-    return text;
-}
-
-std::string em_rename_bytes(const QString &text)
-{
-    std::string name;
-    for (qsizetype i = 0; i < text.size(); i++) {
-        const char16_t unit = text[i].unicode();
-        const bool pair = text[i].isHighSurrogate() && i + 1 < text.size();
-        if (unit > ESCAPED + 0x7F && unit <= ESCAPED + 0xFF)
-            name += static_cast<char>(unit - ESCAPED);
-        else
-            name += text.mid(i, pair ? 2 : 1).toUtf8().toStdString();
-        i += pair ? 1 : 0;
-    }
-    return name;
-}
 
 int em_rename_file(const std::string &directory, const std::string &from, const std::string &to,
                    std::string &message)
@@ -128,7 +79,7 @@ EmRenameField::EmRenameField(std::string directory, std::string name)
 {
     setObjectName(QStringLiteral("em_rename_field"));
     setAccessibleName(QStringLiteral("New name"));
-    const QString text = em_rename_text(m_name);
+    const QString text = shown_text(m_name);
     setText(text);
     setSelection(0, static_cast<int>(x_stem(text)));
     connect(this, &QLineEdit::returnPressed, this, &EmRenameField::apply);
@@ -200,7 +151,7 @@ void EmRenameField::leave()
 // The message about a failure waits in a loop of its own: the field must be gone before.
 void EmRenameField::apply()
 {
-    const std::string name = em_rename_bytes(text());
+    const std::string name = shown_edited(m_name, text());
     if (!name.empty() && name != m_name)
         QTimer::singleShot(0, fl_view(), [directory = m_directory, from = m_name, name] {
             x_rename(directory, from, name);

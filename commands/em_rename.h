@@ -3,7 +3,6 @@
 
 #include <QLineEdit>
 #include <string>
-#include <string_view>
 
 class QTimer;
 
@@ -12,10 +11,6 @@ namespace tav {
 // Renames an entry of a directory, never onto another one. 0, or -1 with the message for the user.
 int em_rename_file(const std::string &directory, const std::string &from, const std::string &to,
                    std::string &message);
-
-// A name as a text field can hold it, and back: every byte survives, also those that are no UTF-8.
-QString em_rename_text(std::string_view name);
-std::string em_rename_bytes(const QString &text);
 
 // The field over the name. It belongs to one name in one directory: when that row moves it follows,
 // when the row is gone it goes too. Enter applies, Escape or losing the focus leaves.
