@@ -206,7 +206,7 @@ void base_update()
     gBase->setWindowTitle(shown_text(gDir.path) + QStringLiteral(" - TAV"));
     const QWidget *focus = QApplication::focusWidget();
     if (!x_is_below_dialog() && !(fl_is_outside() && x_is_text_field(focus)))
-        wfocus(w_find("filelist"));
+        w_find("filelist")->setFocus(Qt::OtherFocusReason); // not the window: it may not be in use
 }
 
 void base_create(const Options &options)

@@ -285,6 +285,20 @@ private Q_SLOTS:
         QTRY_COMPARE(gDir.count, 2);
     }
 
+    void aRefreshSignalLeavesTheKeyboardToTheWindowInUse()
+    {
+        start();
+        QWidget other;
+        other.show();
+        other.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&other));
+        m_dir->file("shown/late.txt");
+        std::raise(SIGWINCH);
+        QTRY_COMPARE(gDir.count, 2);
+        QCoreApplication::processEvents();
+        QCOMPARE(QApplication::activeWindow(), &other);
+    }
+
     void aRefreshSignalAfterTheWindowHasClosedDoesNothing()
     {
         start();
