@@ -20,22 +20,31 @@ bool x_take_own(const TransfGet &get, TransfFiles &files)
     return true;
 }
 
-bool x_take_uris(const TransfGet &get, bool &cut, UriFiles &uris)
+bool x_take_uris(const TransfGet &get, UriFiles &uris)
 {
-    std::string bytes, mark;
-    if (!get(TRANSF_MIME_URIS, bytes) || uri_parse_list(bytes, uris) != 0)
-        return false;
-    cut = get(TRANSF_MIME_KDE, mark) && uri_parse_kde_mark(mark);
-    return true;
+    std::string bytes;
+    return get(TRANSF_MIME_URIS, bytes) && uri_parse_list(bytes, uris) == 0;
+}
+
+// A URI list with the mark of a cut beside it. It goes before the GNOME form, which says the same
+// then: one program takes a cut off the clipboard as soon as anybody has asked for that form.
+bool x_take_marked(const TransfGet &get, UriFiles &uris)
+{
+    std::string mark;
+    return get(TRANSF_MIME_KDE, mark) && uri_parse_kde_mark(mark) && x_take_uris(get, uris);
+}
+
+bool x_take_gnome(const TransfGet &get, bool &cut, UriFiles &uris)
+{
+    std::string bytes;
+    return get(TRANSF_MIME_GNOME, bytes) && uri_parse_gnome(bytes, cut, uris) == 0;
 }
 
 bool x_take_others(const TransfGet &get, TransfFiles &files)
 {
-    std::string bytes;
-    bool cut = false;
     UriFiles uris;
-    const bool gnome = get(TRANSF_MIME_GNOME, bytes) && uri_parse_gnome(bytes, cut, uris) == 0;
-    if (!gnome && !x_take_uris(get, cut, uris))
+    bool cut = x_take_marked(get, uris);
+    if (!cut && !x_take_gnome(get, cut, uris) && !x_take_uris(get, uris))
         return false;
     files.cut = cut;
     files.ours = false;

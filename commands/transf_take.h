@@ -34,9 +34,9 @@ struct TransfFiles {
 // Gets the bytes of one form; false when it is not offered or does not come.
 using TransfGet = std::function<bool(const char *mime, std::string &bytes)>;
 
-// Takes the packed form, else the GNOME form, else the URI list with the KDE mark; a form that is
-// malformed counts as missing, and one that is not needed is not asked for. 0, or -1 (files
-// untouched) when there is no file.
+// Takes the packed form, else the URI list if the KDE mark beside it says cut, else the GNOME form,
+// else the URI list; a form that is malformed counts as missing, and one that is not needed is not
+// asked for. 0, or -1 (files untouched) when there is no file.
 int transf_take_from(const TransfGet &get, TransfFiles &files);
 
 // The same for forms that are there already.

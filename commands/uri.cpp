@@ -254,11 +254,13 @@ int uri_parse_list(std::string_view text, UriFiles &files)
 {
     if (text.size() > URI_MAX_BYTES)
         return -1;
+    if (!text.empty() && text.back() == '\0') // some programs count the terminator
+        text.remove_suffix(1);
     Groups all;
     std::string path;
     while (!text.empty()) {
         std::string_view line = x_next_line(text);
-        if (line.empty() || line[0] == '#' || line == std::string_view("\0", 1))
+        if (line.empty() || line[0] == '#')
             continue;
         if (uri_to_path(line, path) == 0)
             x_add_path(all, path);

@@ -41,6 +41,7 @@ TEST(TransfTake, ThenTheGnomeFormThenTheUriList)
 {
     TransfForms forms = x_all_forms();
     forms.own.clear();
+    forms.kde = "0";
     EXPECT_EQ(x_directory(forms), "/gnome");
     forms.gnome.clear();
     EXPECT_EQ(x_directory(forms), "/uris");
@@ -52,9 +53,31 @@ TEST(TransfTake, AMalformedFormCountsAsMissing)
 {
     TransfForms forms = x_all_forms();
     forms.own.pop_back();
+    EXPECT_EQ(x_directory(forms), "/uris");
+    forms.uris = "http://host/";
     EXPECT_EQ(x_directory(forms), "/gnome");
     forms.gnome = "move\nfile:///gnome/g";
-    EXPECT_EQ(x_directory(forms), "/uris");
+    EXPECT_EQ(x_directory(forms), "none");
+}
+
+// A program that was asked for that form of its cut has nothing left to give to the next one.
+TEST(TransfTake, TheGnomeFormOfAMarkedCutIsNotAskedFor)
+{
+    TransfForms forms = x_all_forms();
+    forms.own.clear();
+    std::vector<std::string> asked;
+    TransfFiles files;
+    auto get = [&](const char *mime, std::string &bytes) {
+        asked.emplace_back(mime);
+        bytes = asked.back() == TRANSF_MIME_KDE    ? std::string("1\0", 2)
+                : asked.back() == TRANSF_MIME_URIS ? std::string("file:///a/b\0", 12)
+                                                   : "";
+        return !bytes.empty();
+    };
+    ASSERT_EQ(transf_take_from(get, files), 0);
+    EXPECT_TRUE(files.cut);
+    EXPECT_STREQ(files.lists[0].names[0], "b");
+    EXPECT_THAT(asked, ElementsAre(TRANSF_MIME, TRANSF_MIME_KDE, TRANSF_MIME_URIS));
 }
 
 TEST(TransfTake, KdeMarkDecidesAndNoMarkMeansCopy)
@@ -75,7 +98,7 @@ TEST(TransfTake, KdeMarkDecidesAndNoMarkMeansCopy)
 TEST(TransfTake, GnomeFormCarriesItsOwnMark)
 {
     TransfForms forms;
-    forms.kde = "1";
+    forms.kde = "1"; // with no URIs it marks nothing
     forms.gnome = "copy\nfile:///a/b";
     TransfFiles files;
     ASSERT_EQ(transf_take(forms, files), 0);
@@ -145,5 +168,5 @@ TEST(TransfTake, FormsThatAreNotNeededAreNotAskedFor)
         return asked.back() == TRANSF_MIME_GNOME;
     };
     ASSERT_EQ(transf_take_from(get, files), 0);
-    EXPECT_THAT(asked, ElementsAre(TRANSF_MIME, TRANSF_MIME_GNOME));
+    EXPECT_THAT(asked, ElementsAre(TRANSF_MIME, TRANSF_MIME_KDE, TRANSF_MIME_GNOME));
 }
