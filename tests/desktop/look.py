@@ -3,7 +3,7 @@
 depth: ROLE "NAME" ["TEXT"] [STATES]. Usage: look.py PID
 
 With names behind it: where the middle of the first thing of that name is on the screen, as "X Y"; each
-further name is sought in what the one before it names."""
+further name is sought in what the one before it names. With --left before them a point near its left end."""
 
 import sys
 
@@ -29,6 +29,8 @@ def show(node, depth):
     text = text_of(node)
     if text and text != node.name:
         line += f' "{text}"'
+    if node.getRole() == pyatspi.ROLE_LIST_ITEM and node.description:
+        line += f" ({node.description})"
     marks = [name for state, name in STATES if states.contains(state)]
     if not states.contains(pyatspi.STATE_ENABLED) and not states.contains(pyatspi.STATE_SENSITIVE):
         marks.append("disabled")
@@ -50,14 +52,17 @@ def find(node, name):
     return None
 
 
-def show_place(application, names):
+NEAR_LEFT = 60  # pixels from the left end of a thing
+
+
+def show_place(application, names, left):
     node = application
     for name in names:
         node = find(node, name)
         if node is None:
             return 1
     box = node.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
-    print(box.x + box.width // 2, box.y + box.height // 2)
+    print(box.x + (NEAR_LEFT if left else box.width // 2), box.y + box.height // 2)
     return 0
 
 
@@ -67,7 +72,8 @@ def main():
     for application in desktop:
         if application is not None and application.get_process_id() == pid:
             if len(sys.argv) > 2:
-                return show_place(application, sys.argv[2:])
+                left = sys.argv[2] == "--left"
+                return show_place(application, sys.argv[3 if left else 2:], left)
             show(application, 0)
             return 0
     return 1

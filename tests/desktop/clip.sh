@@ -1,0 +1,157 @@
+# What the tests of the clipboard and of drags share: several tavs, their rows, and what the clipboard holds.
+# Sourced after lib.sh.
+# shellcheck shell=bash
+
+# tav_open NAME DIRECTORY: starts a tav on the directory; its process id is in the variable NAME.
+tav_open() {
+    tav_start "$2"
+    printf -v "$1" %s "$tav_pid"
+    tav_ready "$2"
+}
+
+# tav_focus PID: its window gets the keyboard; what lib.sh calls the last tav is this one.
+tav_focus() {
+    tav_pid=$1
+    wait_for "no job is running" no_job_runs
+    wait_for "the window comes to the front and has the keyboard" tav_raise "$1"
+}
+
+# The main window alone: a job's own window may stand beside it.
+main_window() { xdotool search --all --onlyvisible --pid "$1" --name ' - TAV$' 2>/dev/null | tail -n 1 | grep .; }
+main_is_active() { [ "$(xdotool getactivewindow)" = "$(main_window "$1")" ]; }
+tav_raise() {
+    local window
+    window=$(main_window "$1") && wmctrl -i -a "$window" && main_is_active "$1"
+}
+
+# The window of jobs is gone: as it closes the keyboard goes back to the window that had it before.
+no_job_runs() { ! xdotool search --onlyvisible --name '^TAV: File Operations$'; }
+
+# tav_refresh PID: as the end of an operation anywhere does it.
+tav_refresh() { kill -WINCH "$1"; }
+
+row() { look "$1" | grep -F -- "list item \"$2\""; }
+row_is_there() { row "$1" "$2"; }
+row_is_gone() { look_has 'list item ".."' && ! row "$1" "$2"; }
+row_is_cut() { row "$1" "$2" | grep -F '(cut'; }
+row_is_plain() { row "$1" "$2" | grep -vF '(cut' | grep .; }
+
+# selected_in PID: the names of the selected rows, joined by blanks.
+selected_in() { look "$1" | sed -n 's/^ *list item "\([^"]*\)".*\[selected\].*/\1/p' | paste -sd ' '; }
+selected_are() { [ "$(selected_in "$1")" = "$2" ]; }
+
+# select_rows PID NAME...: by clicks, with Ctrl from the second on.
+select_rows() {
+    local pid=$1 name
+    shift
+    tav_focus "$pid"
+    click_row "$pid" "$1"
+    for name in "${@:2}"; do
+        xdotool keydown ctrl
+        click_row "$pid" "$name"
+        xdotool keyup ctrl
+    done
+    wait_for "selected are $*" selected_are "$pid" "$*"
+}
+click_row() {
+    local place
+    read -ra place <<<"$(row_place "$1" "$2")"
+    xdotool mousemove --sync "${place[@]}" click 1
+}
+# row_place PID NAME: a point of the row's name, as "X Y".
+row_place() {
+    wait_for "the row $2 is found" row_place_once "$@"
+    cat "$work/place"
+}
+row_place_once() { /usr/bin/python3 "$desktop_dir/look.py" "$1" --left "$2" >"$work/place"; }
+
+# form MIME: what the clipboard has in that form.
+form() { xclip -o -selection clipboard -t "$1" 2>/dev/null; }
+form_is() { [ "$(form "$1" | od -c)" = "$(printf '%b' "$2" | od -c)" ]; }
+has_form() { xclip -o -selection clipboard -t TARGETS 2>/dev/null | grep -Fx -- "$1"; }
+clipboard_is_empty() { ! has_form text/uri-list && ! has_form text/plain; }
+
+# put_form MIME TEXT (with backslash escapes): as a program does that knows this form alone.
+put_form() {
+    printf '%b' "$2" | setsid xclip -i -selection clipboard -t "$1" -loops 0
+    wait_for "xclip has the clipboard" form_is "$1" "$2"
+}
+
+# own FORM=FILE...: as a program does that knows several forms, see clip_owner.cpp.
+own() {
+    # shellcheck disable=SC2154 # set by lib.sh
+    "$(dirname "$TAV")/tests/clip_owner" "$@" >"$work/owner" &
+    owner_pid=$!
+    pids+=("$owner_pid")
+    wait_for "the owner owns the clipboard" grep -q ready "$work/owner"
+}
+owner_is_asked() { grep -Fqx "asked for $1" "$work/owner"; }
+owner_has_lost() { ! kill -0 "$owner_pid" 2>/dev/null; }
+
+# paste_into PID: presses the key in its window.
+paste_into() {
+    tav_focus "$1"
+    keys ctrl+v
+}
+
+# keys_are_done PID: what was typed into it before has been dealt with: the keyboard moves its cursor.
+keys_are_done() {
+    keys End
+    wait_for "the cursor goes to the last row" focused_not "$1" ..
+    keys Home
+    wait_for "the cursor goes to the first row" focused_is "$1" ..
+}
+focused_in() { look "$1" | sed -n 's/^ *list item "\([^"]*\)".*\[focused\].*/\1/p'; }
+focused_is() { [ "$(focused_in "$1")" = "$2" ]; }
+focused_not() { ! focused_is "$1" "$2" && [ -n "$(focused_in "$1")" ]; }
+holds() { [ "$(cat -- "$1" 2>/dev/null)" = "$2" ]; }
+
+# tav_place PID X Y WIDTH HEIGHT: its window goes there.
+tav_place() {
+    local window
+    wait_for "the window is there" main_window "$1"
+    window=$(main_window "$1")
+    wmctrl -i -r "$window" -e "0,$2,$3,$4,$5"
+}
+
+# drag_begin PID NAME: presses the selected row and takes it out of the list, past its header.
+drag_begin() {
+    local from top
+    tav_focus "$1"
+    read -ra from <<<"$(row_place "$1" "$2")"
+    read -ra top <<<"$(row_place "$1" ..)"
+    xdotool mousemove --sync "${from[@]}" mousedown 1
+    xdotool mousemove --sync "${from[0]}" $((from[1] - 4))
+    xdotool mousemove --sync "${top[0]}" $((top[1] - 45)) mousemove --sync "${top[0]}" $((top[1] - 48))
+    dragging=$1
+}
+
+# drag_over PID X Y: goes on to that point of that window; both programs have taken notice on return.
+drag_over() {
+    local step
+    for step in 6 3 0; do
+        xdotool mousemove --sync "$2" $(($3 + step))
+        look "$dragging" >"$work/noticed"
+        look "$1" >"$work/noticed"
+        look "$dragging" >"$work/noticed"
+    done
+}
+
+# drag_end: drops it there.
+drag_end() { xdotool mouseup 1; }
+
+# drag_rows FROM NAME TO ROW: from the row of one list to the row of another.
+drag_rows() {
+    local place
+    drag_begin "$1" "$2"
+    read -ra place <<<"$(row_place "$3" "$4")"
+    drag_over "$3" "${place[@]}"
+    drag_end
+}
+
+# A point of the list where no row is.
+below_rows() {
+    local place
+    read -ra place <<<"$(row_place "$1" "$2")"
+    echo "${place[0]} $((place[1] + 60))"
+}
