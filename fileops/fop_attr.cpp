@@ -14,7 +14,7 @@ namespace {
 constexpr size_t LIST_SIZE = 1024;
 constexpr char ACL_NAME[] = "system.posix_acl_access";
 
-// One attribute, where both sides have it: 0, or -1 with errno.
+// One attribute, where both sides have it: whether it was set, or -1 with errno.
 int x_copy_one(int from, int to, const char *name)
 {
     ssize_t length = gFopSys.getxattr(from, name, nullptr, 0);
@@ -22,7 +22,7 @@ int x_copy_one(int from, int to, const char *name)
     if (length >= 0)
         length = gFopSys.getxattr(from, name, value.data(), value.size());
     if (length >= 0 && gFopSys.setxattr(to, name, value.data(), static_cast<size_t>(length)) == 0)
-        return 0;
+        return 1;
     return fop_cannot_hold(errno) ? 0 : -1;
 }
 
@@ -40,11 +40,13 @@ int x_names(int from, std::vector<char> &list)
     return length >= 0 || fop_cannot_hold(errno) ? 0 : -1;
 }
 
-bool x_set_owner(const FopItem &item, int fd, const struct stat &made)
+bool x_has_owner(const struct stat &made, const struct stat &want)
 {
-    const struct stat &want = item.status;
-    if (made.st_uid == want.st_uid && made.st_gid == want.st_gid)
-        return true;
+    return made.st_uid == want.st_uid && made.st_gid == want.st_gid;
+}
+
+bool x_set_owner(int fd, const struct stat &want)
+{
     return fop_retry([&] {
                return gFopSys.fchownat(fd, "", want.st_uid, want.st_gid, AT_EMPTY_PATH);
            }) == 0;
@@ -86,14 +88,18 @@ int fop_copy_xattrs(int from, int to, int acl_from)
     std::vector<char> names;
     if (x_names(from, names) == -1)
         return -1;
+    int all = 0;
     for (size_t at = 0; at < names.size(); at += std::strlen(names.data() + at) + 1) {
         const char *name = names.data() + at;
         bool skip = acl_from != from && std::strcmp(name, ACL_NAME) == 0;
-        if (!skip && x_copy_one(from, to, name) == -1)
+        int set = skip ? 0 : x_copy_one(from, to, name);
+        if (set == -1)
             return -1;
+        all += set;
     }
     bool other = acl_from != FOP_ACL_NONE && acl_from != from;
-    return other ? x_copy_one(acl_from, to, ACL_NAME) : 0;
+    int set = other ? x_copy_one(acl_from, to, ACL_NAME) : 0;
+    return set == -1 ? -1 : all + set;
 }
 
 namespace {
@@ -114,12 +120,15 @@ int x_set_mode(int fd, mode_t mode)
 int fop_copy_attributes(const FopItem &item, int from, const FopTarget &target, bool &owner)
 {
     bool in_place = target.way == FopTarget::IN_PLACE;
-    owner = x_set_owner(item, target.fd, target.made);
+    const bool had_owner = x_has_owner(target.made, item.status);
+    owner = had_owner || x_set_owner(target.fd, item.status);
     int acl_from = in_place ? FOP_ACL_NONE : target.replace ? target.old_fd : from;
-    if (fop_copy_xattrs(from, target.fd, acl_from) == -1)
+    int set = fop_copy_xattrs(from, target.fd, acl_from);
+    if (set == -1)
         return -1;
-    if (!in_place && x_set_mode(target.fd, x_final_mode(target, owner)) == -1 &&
-        !fop_cannot_hold(errno))
+    mode_t mode = x_final_mode(target, owner);
+    bool as_made = had_owner && set == 0 && mode == (target.made.st_mode & 07777);
+    if (!in_place && !as_made && x_set_mode(target.fd, mode) == -1 && !fop_cannot_hold(errno))
         return -1;
     timespec times[2] = {item.status.st_atim, item.status.st_mtim};
     int timed = fop_retry([&] { return gFopSys.utimensat(target.fd, "", times, AT_EMPTY_PATH); });

@@ -12,7 +12,8 @@ struct FopItem {
     int item = -1;     // -1: the finishing pass of the group's own directory
     int from_dir = -1; // source directory and the name in it
     const char *from = "";
-    int to_dir = -1; // destination directory and the name in it; -1 with to_error
+    int from_fd = -1; // the source, when it is open already; fop_copy_file closes it
+    int to_dir = -1;  // destination directory and the name in it; -1 with to_error
     const char *to = "";
     int to_error = 0;   // why there is no destination directory
     std::string source; // both paths, for texts
@@ -27,7 +28,9 @@ struct FopItem {
 // "Can't copy file(s) into itself."
 FopCopied fop_refuse_itself(const FopItem &item);
 
-FopCopied fop_copy_regular(FopItem &item);     // fop_file.cpp
+FopCopied fop_copy_regular(FopItem &item); // fop_file.cpp
+int fop_open_source(
+    FopItem &item); // a regular file, whose status is then the truth: 0, or -1 with errno
 FopCopied fop_copy_directory(FopItem &item);   // fop_tree.cpp
 FopCopied fop_finish_directory(FopItem &item); // fop_tree.cpp
 void fop_finish_modes(FileOp *job);            // every directory that still waits for its mode
@@ -80,7 +83,8 @@ FopCopied fop_copy_data(FopItem &item, int from, FopTarget &target);
 // errno. owner tells whether the owner is the source's; that it could not be set is no failure.
 int fop_copy_attributes(const FopItem &item, int from, const FopTarget &target, bool &owner);
 
-// All extended attributes; the access list comes from acl_from. 0, or -1 with errno.
+// All extended attributes; the access list comes from acl_from. How many were set, or -1 with
+// errno.
 constexpr int FOP_ACL_NONE = -1; // the access list stays as it is
 int fop_copy_xattrs(int from, int to, int acl_from);
 

@@ -17,27 +17,6 @@ FopCopied x_write_failed(const FopItem &item, int error)
                          std::strerror(error));
 }
 
-// The open source, whose status from now on is the truth; or -1 with errno.
-int x_open_source(FopItem &item)
-{
-    int follow = item.job->flags & FOP_FOLLOW ? 0 : O_NOFOLLOW;
-    int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | follow;
-    int fd = fop_retry([&] { return gFopSys.openat(item.from_dir, item.from, flags, 0); });
-    struct stat status;
-    if (fd == -1)
-        return -1;
-    int error = gFopSys.fstat(fd, &status) == -1 ? errno : 0;
-    if (error == 0 && !S_ISREG(status.st_mode))
-        error = ESTALE; // something else than what was looked at
-    if (error == 0) {
-        item.status = status;
-        return fd;
-    }
-    gFopSys.close(fd);
-    errno = error;
-    return -1;
-}
-
 // A moved source that changed under the copy is not what was copied: it stays.
 FopCopied x_check_unchanged(const FopItem &item, int from)
 {
@@ -146,23 +125,46 @@ FopCopied x_copy_elsewhere(FopItem &item, int from)
 
 } // namespace
 
+int fop_open_source(FopItem &item)
+{
+    if (item.from_fd != -1)
+        return 0;
+    int follow = item.job->flags & FOP_FOLLOW ? 0 : O_NOFOLLOW;
+    int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | follow;
+    int fd = fop_retry([&] { return gFopSys.openat(item.from_dir, item.from, flags, 0); });
+    struct stat status;
+    if (fd == -1)
+        return -1;
+    int error = gFopSys.fstat(fd, &status) == -1 ? errno : 0;
+    if (error == 0 && !S_ISREG(status.st_mode))
+        error = ESTALE; // something else than what was looked at
+    if (error == 0) {
+        item.status = status;
+        item.from_fd = fd;
+        return 0;
+    }
+    gFopSys.close(fd);
+    errno = error;
+    return -1;
+}
+
 FopCopied fop_copy_regular(FopItem &item)
 {
     if (item.exists && fop_id(item.dest_status) == fop_id(item.status))
         return fop_refuse_itself(item);
     if (item.exists) {
+        if (item.from_fd != -1) // what it is counts when the question is answered
+            gFopSys.close(item.from_fd);
+        item.from_fd = -1;
         FopCopied answer = fop_ask_overwrite(item);
         if (answer != FOP_COPIED)
             return answer;
     }
-    int from = x_open_source(item);
-    if (from == -1)
+    if (fop_open_source(item) == -1)
         return fop_ask_error(item.job, "Unable to open '%s'\n%s\n", item.source.c_str(),
                              std::strerror(errno));
-    FopCopied result =
-        x_name_too_long(item) ? x_copy_elsewhere(item, from) : x_copy_open(item, from, false);
-    gFopSys.close(from);
-    return result;
+    return x_name_too_long(item) ? x_copy_elsewhere(item, item.from_fd)
+                                 : x_copy_open(item, item.from_fd, false);
 }
 
 } // namespace tav

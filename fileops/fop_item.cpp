@@ -96,6 +96,10 @@ FopCopied x_look_at_source(FopItem &item)
         result = fd == -1 ? -1 : gFopSys.fstat(fd, &item.status);
     } else if (item.from_dir != -1) {
         bool follow = job->flags & FOP_FOLLOW;
+        // What the scan took for a regular file is opened at once: its status comes with it.
+        if (!follow && job->groups[item.group]->kinds[item.item] == FOP_FILE &&
+            fop_open_source(item) == 0)
+            return FOP_COPIED;
         auto look = [&](int flags) {
             return fop_retry(
                 [&] { return gFopSys.fstatat(item.from_dir, item.from, &item.status, flags); });
@@ -162,6 +166,27 @@ FopCopied x_copy_kind(FopItem &item)
     return FOP_SKIPPED; // became a device or a socket since the scan
 }
 
+// Everything but finding the names.
+FopCopied x_copy(FopItem &item)
+{
+    FopCopied result = x_look_at_source(item);
+    if (result == FOP_COPIED)
+        result = x_make_dest(item);
+    if (result != FOP_COPIED)
+        return result;
+    x_show(item);
+    if (item.item < 0) {
+        result = fop_finish_directory(item);
+    } else {
+        x_account(item);
+        x_look_at_dest(item);
+        result = x_copy_kind(item);
+    }
+    if (result == FOP_COPIED)
+        x_show(item);
+    return result;
+}
+
 } // namespace
 
 FopCopied fop_copy_file(FileOp *job, int group, int i, const std::string &dir)
@@ -171,26 +196,13 @@ FopCopied fop_copy_file(FileOp *job, int group, int i, const std::string &dir)
     item.group = group;
     item.item = i;
     x_locate(item, dir);
-    FopCopied result = x_look_at_source(item);
-    if (result == FOP_COPIED)
-        result = x_make_dest(item);
-    if (result != FOP_COPIED)
-        return result;
-    x_show(item);
-    if (i < 0) {
-        result = fop_finish_directory(item);
-    } else {
-        x_account(item);
-        x_look_at_dest(item);
-        result = x_copy_kind(item);
-    }
-    if (result != FOP_COPIED)
-        return result;
-    x_show(item);
+    FopCopied result = x_copy(item);
+    if (item.from_fd != -1)
+        gFopSys.close(item.from_fd);
     uint64_t *stamps = job->groups[group]->stamps;
-    if (i >= 0 && stamps)
+    if (result == FOP_COPIED && i >= 0 && stamps)
         stamps[i] = item.link_stamp ? item.link_stamp : fop_stamp(item.status);
-    return FOP_COPIED;
+    return result;
 }
 
 } // namespace tav

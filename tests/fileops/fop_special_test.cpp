@@ -160,6 +160,28 @@ TEST_F(FopSpecial, the_times_of_a_link_are_its_own)
     EXPECT_EQ(dir.status("dst/target").st_mtim.tv_nsec, before.st_mtim.tv_nsec);
 }
 
+TEST_F(FopSpecial, the_owner_of_a_link_is_its_own)
+{
+    dir.file("dst/target", "t");
+    dir.link("src/l", dir / "dst/target");
+    static ino_t sLink;
+    sLink = dir.status("src/l").st_ino;
+    gFopSys.fstatat = [](int at, const char *path, struct stat *status, int flags) {
+        int result = gFopSysReal.fstatat(at, path, status, flags);
+        if (result == 0 && status->st_ino == sLink)
+            status->st_uid = 4242;
+        return result;
+    };
+    static std::string sGiven;
+    sGiven.clear();
+    gFopSys.fchownat = [](int, const char *path, uid_t uid, gid_t, int flags) {
+        sGiven += path + (" " + std::to_string(uid)) + " " + std::to_string(flags) + "\n";
+        return 0;
+    };
+    driver.copy(dir, {"l"}, FOP_LINKS);
+    EXPECT_EQ(sGiven, "l 4242 " + std::to_string(AT_SYMLINK_NOFOLLOW) + "\n");
+}
+
 TEST_F(FopSpecial, a_long_link_is_copied_whole)
 {
     std::string target(4000, 'x');

@@ -5,6 +5,7 @@
 #include "fileops/slot_ask.h"
 #include "fileops/slot_wait.h"
 #include "platform/ui_gate.h"
+#include "platform/worker.h"
 #include "support/boxes.h"
 
 #include <QLabel>
@@ -27,7 +28,6 @@ namespace {
 int sExits = 0;
 int sRefreshes = 0;
 std::atomic<bool> sHold{false}; // jobs stand in front of their first directory
-std::atomic<bool> sNoThread{false};
 
 QWidget *window()
 {
@@ -243,6 +243,21 @@ private Q_SLOTS:
         QVERIFY(boxes_text(boxes_standing()[0])
                     .startsWith(QLatin1String("failed to start operation!\n")));
         boxes_standing()[0]->close();
+    }
+
+    void a_job_without_a_thread_leaves_no_slot()
+    {
+        gWorkerCreate = [](pthread_t *, const pthread_attr_t *, void *(*)(void *),
+                           void *) noexcept { return EAGAIN; };
+        QCOMPARE(start(FOP_MOVE, "a"), -1);
+        QCOMPARE(errno, EAGAIN);
+        gWorkerCreate = pthread_create;
+        QCOMPARE(slot_count(), 0);
+        QVERIFY(!window());
+        QCOMPARE(boxes_text(boxes_standing()[0]),
+                 QStringLiteral("failed to start operation!\nResource temporarily unavailable"));
+        boxes_standing()[0]->close();
+        QCOMPARE(read("src/a"), QByteArray("new"));
     }
 
     void pause_stops_and_resumes()
