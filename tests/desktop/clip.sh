@@ -1,6 +1,6 @@
 # What the tests of the clipboard and of drags share: several tavs, their rows, and what the clipboard holds.
 # Sourced after lib.sh.
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2154 # set by lib.sh
 
 # tav_open NAME DIRECTORY: starts a tav on the directory; its process id is in the variable NAME.
 tav_open() {
@@ -56,17 +56,19 @@ select_rows() {
 click_row() {
     local place
     read -ra place <<<"$(row_place "$1" "$2")"
-    xdotool mousemove --sync "${place[@]}" click 1
+    xdotool mousemove "${place[@]}" click 1
 }
 # row_place PID NAME: a point of the row's name, as "X Y".
 row_place() {
     wait_for "the row $2 is found" row_place_once "$@"
     cat "$work/place"
 }
-row_place_once() { /usr/bin/python3 "$desktop_dir/look.py" "$1" --left "$2" >"$work/place"; }
+row_place_once() {
+    /usr/bin/python3 "$desktop_dir/look.py" "$1" --left "$2" >"$work/place" && [ -s "$work/place" ]
+}
 
 # form MIME: what the clipboard has in that form.
-form() { xclip -o -selection clipboard -t "$1" 2>/dev/null; }
+form() { timeout 3 xclip -o -selection clipboard -t "$1" 2>/dev/null; }
 form_is() { [ "$(form "$1" | od -c)" = "$(printf '%b' "$2" | od -c)" ]; }
 has_form() { xclip -o -selection clipboard -t TARGETS 2>/dev/null | grep -Fx -- "$1"; }
 clipboard_is_empty() { ! has_form text/uri-list && ! has_form text/plain; }
@@ -79,7 +81,6 @@ put_form() {
 
 # own FORM=FILE...: as a program does that knows several forms, see clip_owner.cpp.
 own() {
-    # shellcheck disable=SC2154 # set by lib.sh
     "$(dirname "$TAV")/tests/clip_owner" "$@" >"$work/owner" &
     owner_pid=$!
     pids+=("$owner_pid")
@@ -120,9 +121,9 @@ drag_begin() {
     tav_focus "$1"
     read -ra from <<<"$(row_place "$1" "$2")"
     read -ra top <<<"$(row_place "$1" ..)"
-    xdotool mousemove --sync "${from[@]}" mousedown 1
-    xdotool mousemove --sync "${from[0]}" $((from[1] - 4))
-    xdotool mousemove --sync "${top[0]}" $((top[1] - 45)) mousemove --sync "${top[0]}" $((top[1] - 48))
+    xdotool mousemove "${from[@]}" mousedown 1
+    xdotool mousemove "${from[0]}" $((from[1] - 4))
+    xdotool mousemove "${top[0]}" $((top[1] - 45)) mousemove "${top[0]}" $((top[1] - 48))
     dragging=$1
 }
 
@@ -130,7 +131,7 @@ drag_begin() {
 drag_over() {
     local step
     for step in 6 3 0; do
-        xdotool mousemove --sync "$2" $(($3 + step))
+        xdotool mousemove "$2" $(($3 + step))
         look "$dragging" >"$work/noticed"
         look "$1" >"$work/noticed"
         look "$dragging" >"$work/noticed"
