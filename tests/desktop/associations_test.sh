@@ -13,11 +13,11 @@ button_is_dimmed() { look_has "push button \"$1\" [disabled]"; }
 
 open_list() {
     keys F11
-    wait_for "the list is there" window_named Associate
+    wait_for "the list is there" active_is Associate
     wait_for "it has the keyboard" look_has 'tree "List of File Type Associations" [focused]'
 }
 wait_for_entry() {
-    wait_for "the entry is there" window_named "New Association Type"
+    wait_for "the entry is there" active_is "New Association Type"
     wait_for "its first field has the keyboard" pattern_has_keyboard
 }
 
@@ -43,6 +43,7 @@ test_by_key() {
     types "ped"
     keys Return
     wait_for "the entry is closed" no_window_named "New Association Type"
+    wait_for "the list has the keyboard" active_is Associate
     wait_for "the row is there" has_row "*.z"
     keys Down alt+e
     wait_for_entry
@@ -51,6 +52,7 @@ test_by_key() {
     types "view"
     keys Return
     wait_for "the entry is closed" no_window_named "New Association Type"
+    wait_for "the list has the keyboard" active_is Associate
     keys alt+r
     wait_for "the first row is gone" has_no_row "*.x"
     keys alt+d
@@ -69,12 +71,14 @@ test_by_mouse() {
     window_named "New Association Type" >/dev/null || fail "the entry went with it"
     click_on "New Association Type" Cancel
     wait_for "the entry is closed" no_window_named "New Association Type"
+    wait_for "the list has the keyboard" active_is Associate
     click_on Associate "*.z"
     click_on Associate Edit...
     wait_for_entry
     wait_for "it shows the row that was clicked" look_has '"show @"'
     keys Escape
     wait_for "Escape closes the entry alone" no_window_named "New Association Type"
+    wait_for "the list has the keyboard" active_is Associate
     window_named Associate >/dev/null || fail "the list went with it"
     click_on Associate Remove
     wait_for "the row is gone" has_no_row "*.z"
@@ -115,7 +119,7 @@ test_malformed_file() {
         # shellcheck disable=SC2059 # the escapes are meant
         printf "$content" >"$(file)"
         tav_start "$work/docs"
-        wait_for "a message is there" window_named Error
+        wait_for "a message is there" active_is Error
         wait_for "it names the row" look_has "Invalid association at line 2"
         keys Return
         tav_status

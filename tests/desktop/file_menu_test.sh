@@ -135,6 +135,7 @@ test_open_with() {
     keys Return
     expect_run "show [-x] [b.txt]" "Open With by key"
     wait_for "the dialog is gone" no_window_named "Open With"
+    wait_for "the main window has the keyboard again" tav_is_active
     choose "Open With...	Shift-Ret"
     wait_for "the dialog is there" window_named "Open With"
     wait_for "its field has the keyboard" look_has 'text "Command" [focused]'
@@ -142,6 +143,7 @@ test_open_with() {
     click_on "Open With" Open
     expect_run "show [b.txt]" "Open With by mouse"
     wait_for "the dialog is gone" no_window_named "Open With"
+    wait_for "the main window has the keyboard again" tav_is_active
     keys shift+Return
     expect_window "Open With" "Shift-Enter"
     by_letters w
@@ -150,6 +152,7 @@ test_open_with() {
     types "show never"
     click_on "Open With" Cancel
     wait_for "Cancel closes it" no_window_named "Open With"
+    wait_for "the main window has the keyboard again" tav_is_active
     [ ! -e "$work/ran" ] || fail "Cancel ran the command"
 }
 
@@ -167,7 +170,7 @@ expect_second() {
 
 # expect_window NAME WHAT: a dialog is there; Escape closes it.
 expect_window() {
-    wait_for "$2 opens a dialog" window_named "$1"
+    wait_for "$2 opens a dialog" active_is "$1"
     keys Escape
     wait_for "it is closed" no_window_named "$1"
     wait_for "the main window has the keyboard again" tav_is_active
@@ -248,6 +251,7 @@ test_exit() {
 second_tav() { pgrep -x tav -P "$tav_pid"; }
 no_second_tav() { ! second_tav; }
 
+typing_lasts
 test_files_by_key_and_by_mouse
 test_dimmed_items
 test_open_with

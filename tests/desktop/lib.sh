@@ -14,7 +14,7 @@ set -euo pipefail
 desktop_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 TAV=${1:-${TAV:-$desktop_dir/../../build/release/tav}}
 TAV=$(realpath -- "$TAV")
-WAIT_SECONDS=${WAIT_SECONDS:-30} # the longest that any condition is waited for
+WAIT_SECONDS=${WAIT_SECONDS:-60} # the longest that any condition is waited for
 work=$(mktemp -d "${TMPDIR:-/tmp}/tav_desktop_XXXXXX")
 pids=()     # what ends with the script
 tav_pid=    # the tav that was started last
@@ -157,6 +157,7 @@ click_on() {
 # window_named NAME: whether a window of that title (a pattern) is there.
 window_named() { xdotool search --onlyvisible --name "^$1\$"; }
 no_window_named() { ! window_named "$1"; }
+active_is() { xdotool getactivewindow getwindowname | grep -x "$1"; }
 
 # stand_in NAME...: programs in $bin, first in PATH, that write their name and arguments
 # down, each argument in brackets.
@@ -192,6 +193,15 @@ select_one() {
     types "$1"
     wait_for "$1 is selected" is_selected "$1"
     keys Escape
+}
+
+# typing_lasts: what is typed on the list is not forgotten for a minute (else for 1.5 s), so that a busy machine
+# can be looked at. Starts and ends a tav.
+typing_lasts() {
+    tav_start "$work"
+    tav_ready "$work"
+    tav_quit
+    printf '\x60\xEA\0\0' | dd of="$HOME/.ph/tav/config.003" bs=1 seek=4652 conv=notrunc status=none
 }
 
 # tav_geometry: "WIDTHxHEIGHT+X+Y" of the window's inside.

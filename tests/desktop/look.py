@@ -11,6 +11,7 @@ import pyatspi
 
 STATES = ((pyatspi.STATE_FOCUSED, "focused"), (pyatspi.STATE_CHECKED, "checked"),
           (pyatspi.STATE_SELECTED, "selected"))
+TIMEOUT_MS = 10000  # for each answer of the program, which a busy machine may keep waiting
 ROWS_MOST = 200  # children shown of a table or list
 
 
@@ -67,6 +68,7 @@ def show_place(application, names, left):
 
 
 def main():
+    pyatspi.setTimeout(TIMEOUT_MS, TIMEOUT_MS)
     pid = int(sys.argv[1])
     desktop = pyatspi.Registry.getDesktop(0)
     for application in desktop:

@@ -15,16 +15,7 @@ desktop_bus
 
 status_is_not() { ! status_is "$1"; }
 
-# Time enough to look at what is typed: the settings' time-out is 1.5 s.
-forget_typing_late() {
-    tav_start "$dir"
-    tav_ready "$dir"
-    tav_quit
-    printf '\x60\xEA\0\0' | dd of="$HOME/.ph/tav/config.003" bs=1 seek=4652 conv=notrunc status=none
-}
-
 test_typing() {
-    forget_typing_late
     tav_start "$dir"
     tav_ready "$dir"
     types "b.t"
@@ -130,6 +121,7 @@ test_reader_gets_a_terminal() {
 
 tav_in_terminal() { pgrep -f "^$TAV $dir\$"; }
 
+typing_lasts
 test_typing
 test_editor_in_a_terminal
 test_reader_gets_a_terminal

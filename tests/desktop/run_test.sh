@@ -25,7 +25,7 @@ test_with_a_display() {
     WAIT_SECONDS=240 # it may have to build
     run docs
     wait_for "script/run starts tav" child_of_run
-    WAIT_SECONDS=30
+    WAIT_SECONDS=60
     pids+=("$child")
     tav_ready "$work/here/docs" "$child"
     [ -d "$HOME/.ph" ] || fail "no folder for the settings"

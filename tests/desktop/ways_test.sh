@@ -66,16 +66,18 @@ test_other_buttons() {
     click_on Terminal
     expect_run "pterm" "Terminal"
     click_on "New Folder"
-    wait_for "New Folder asks for a name" window_named "Create New Folder"
+    wait_for "New Folder asks for a name" active_is "Create New Folder"
     keys Escape
     wait_for "it is closed" no_window_named "Create New Folder"
+    wait_for "the main window has the keyboard again" tav_is_active
     wait_for "nothing to tell about" is_dimmed Properties
     select_one a.txt
     wait_for "something to tell about" is_not_dimmed Properties
     click_on Properties
-    wait_for "Properties opens" window_named "File Information.*"
+    wait_for "Properties opens" active_is "File Information.*"
     keys Escape
     wait_for "it is closed" no_window_named "File Information.*"
+    wait_for "the main window has the keyboard again" tav_is_active
 }
 
 test_hotlist() {
@@ -111,7 +113,9 @@ test_path_box() {
     fill Path nowhere
     keys Return
     wait_for "a path that is not there is told" look_has "Directory '$HOME/nowhere', not found"
+    wait_for "in a box" active_is Error
     keys Return
+    wait_for "which is gone" no_window_named Error
     wait_for "the text stays" path_is nowhere
     wait_for "and the keyboard" box_has_keyboard Path
     keys Escape
@@ -157,6 +161,7 @@ bar_is_gone() { ! look_has 'push button "New Folder"'; }
 stand_in pterm
 desktop_start
 desktop_bus
+typing_lasts
 tav_start "$dir"
 tav_ready "$dir"
 test_navigation
