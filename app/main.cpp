@@ -4,6 +4,7 @@
 #include "app/init.h"
 #include "app/options.h"
 #include "app/start.h"
+#include "platform/fonts.h"
 #include "platform/res.h"
 #include "platform/scheme.h"
 #include "platform/style.h"
@@ -11,6 +12,7 @@
 
 #include <QApplication>
 #include <QLocale>
+#include <QTimer>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
@@ -24,6 +26,10 @@ using namespace tav;
 namespace {
 
 constexpr const char *sVersion = "tav 1.13";
+
+// Milliseconds until the window gets its icon, which is drawn in many sizes: the first frame is
+// there by then.
+constexpr int sIconAfter = 100;
 
 // Without a display the toolkit would say much and dump core; its first sentence serves the user
 // better.
@@ -75,6 +81,7 @@ int main(int argc, char **argv)
     if (x_answer(options, argc > 0 ? basename(argv[0]) : "tav"))
         return EXIT_SUCCESS;
     x_connect_display(options);
+    fonts_read_early();
 
     // The toolkit takes words out of the line it is given; the start directory is sought in ours.
     std::vector<char *> toolkit_words(argv, argv + argc + 1);
@@ -88,12 +95,12 @@ int main(int argc, char **argv)
     QApplication::setQuitOnLastWindowClosed(false);
     x_set_locale();
     start_append_path(QCoreApplication::applicationFilePath().toLocal8Bit().toStdString());
-    QApplication::setWindowIcon(res_image("tav"));
     ui_gate_open();
     scheme_follow_desktop();
 
     init(argc, argv);
     base_create(options);
+    QTimer::singleShot(sIconAfter, qApp, [] { QApplication::setWindowIcon(res_image("tav")); });
     QApplication::exec();
     ui_gate_close();
     return EXIT_SUCCESS;

@@ -1,4 +1,5 @@
-// The baseline of the start: a main window of the toolkit with nothing in it, painted once.
+// The baseline of the start: a main window of the toolkit with nothing in it, painted once. Its
+// width and height are the arguments.
 #include <QApplication>
 #include <QMainWindow>
 #include <QPaintEvent>
@@ -23,7 +24,9 @@ int main(int argc, char **argv)
 {
     QApplication application(argc, argv);
     EmptyWindow window;
-    window.resize(600, 410);
+    if (argc != 3)
+        return EXIT_FAILURE;
+    window.resize(std::atoi(argv[1]), std::atoi(argv[2]));
     window.show();
     return QApplication::exec();
 }

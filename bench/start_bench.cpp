@@ -1,7 +1,7 @@
 // The start of the whole program, from its process on: until the list is read and painted, beside
-// an empty main window of the toolkit and the bare loop over the directory; and the memory that an
-// entry takes in a process with its window. What is started is the program's own main, ended by
-// until_painted.cpp.
+// an empty main window of the toolkit of the same size and the bare loop over the directory; and
+// the memory that an entry takes in a process with its window. What is started is the program's own
+// main, ended by until_painted.cpp.
 #include "bench/bench.h"
 #include "model/dir.h"
 
@@ -36,27 +36,39 @@ std::string x_run(const std::string &command)
 
 struct Programs {
     std::string tav;   // the command that starts tav on the directory behind it
-    std::string empty; // the command that starts the empty window
+    std::string empty; // the command that starts the empty window, which is as large as tav's
 
-    explicit Programs(const std::string &self)
-    {
-        const std::string folder = self.substr(0, self.rfind('/') + 1);
-        tav = "exec '" + folder + "tav_until_painted' ";
-        empty = "exec '" + folder + "empty_window'";
-    }
+    explicit Programs(const std::string &self);
 };
 
-// Starts tav on a directory of that many entries; bytes in memory when all of them are shown.
-double x_start(const Programs &programs, int count)
+// What a started tav said at its end.
+struct Started {
+    long bytes = 0; // in memory when all entries are shown
+    int listed = -1;
+    int width = 0, height = 0; // of its window
+};
+
+// Starts tav on a directory of that many entries.
+Started x_start(const Programs &programs, int count)
 {
     const std::string line = x_run(programs.tav + bench_directory({count}, BenchPlace::Memory));
-    long bytes = 0;
-    int listed = -1;
-    if (std::sscanf(line.c_str(), "%ld %d", &bytes, &listed) != 2 || listed != count) {
-        std::fprintf(stderr, "listed %d entries of %d\n", listed, count);
+    Started said;
+    if (std::sscanf(line.c_str(), "%ld %d %d %d", &said.bytes, &said.listed, &said.width,
+                    &said.height) != 4 ||
+        said.listed != count) {
+        std::fprintf(stderr, "listed %d entries of %d\n", said.listed, count);
         std::exit(EXIT_FAILURE);
     }
-    return static_cast<double>(bytes);
+    return said;
+}
+
+Programs::Programs(const std::string &self)
+{
+    const std::string folder = self.substr(0, self.rfind('/') + 1);
+    tav = "exec '" + folder + "tav_until_painted' ";
+    const Started said = x_start(*this, sSmall);
+    empty = "exec '" + folder + "empty_window' " + std::to_string(said.width) + " " +
+            std::to_string(said.height);
 }
 
 void x_compare_first_window(const Programs &programs)
@@ -95,8 +107,8 @@ void x_compare_memory(const Programs &programs, int count)
     const std::string name = "start_memory_per_entry_" + std::to_string(count);
     if (!bench_wants(name))
         return;
-    const double grown = x_start(programs, count) - x_start(programs, 0);
-    bench_report({name, 1.3}, grown / count, sizeof(DirEntry));
+    const long grown = x_start(programs, count).bytes - x_start(programs, 0).bytes;
+    bench_report({name, 1.3}, static_cast<double>(grown) / count, sizeof(DirEntry));
 }
 
 } // namespace

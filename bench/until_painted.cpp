@@ -1,12 +1,14 @@
 // Linked with the program's own main: the whole of tav, which ends when the complete list has been
-// painted, after saying how much memory it takes and how many entries it lists.
+// painted, after saying how much memory it takes, how many entries it lists and its window's size.
 #include "model/dir.h"
+#include "platform/w.h"
 #include "views/fl.h"
 #include "views/fl_view.h"
 
 #include <QCoreApplication>
 #include <QEvent>
 #include <QTimer>
+#include <QWindow>
 #include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
@@ -29,7 +31,7 @@ long x_resident()
 
 void x_end()
 {
-    std::printf("%ld %d\n", x_resident(), gDir.count);
+    std::printf("%ld %d %d %d\n", x_resident(), gDir.count, gBase->width(), gBase->height());
     std::fflush(stdout);
     _exit(EXIT_SUCCESS);
 }
@@ -38,8 +40,8 @@ class EndAfterPaint : public QObject {
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override
     {
-        if (event->type() == QEvent::Paint && !gDir.path.empty() && !fl_is_reading() &&
-            watched == fl_view()->viewport())
+        if (event->type() == QEvent::Paint && gBase->windowHandle()->isExposed() &&
+            !gDir.path.empty() && !fl_is_reading() && watched == fl_view()->viewport())
             QTimer::singleShot(0, x_end);
         return false;
     }

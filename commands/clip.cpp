@@ -14,6 +14,8 @@ namespace tav {
 
 namespace {
 
+constexpr int FIRST_READ_MS = 30; // until then the display has the first frame to see to
+
 struct ClipState {
     unsigned turn = 0;                  // counts the changes of the clipboard
     bool reading = false;               // what it holds is not known yet
@@ -129,7 +131,11 @@ void clip_setup()
     QObject::connect(state.gather, &QTimer::timeout, qApp, x_flush);
     QObject::connect(x_clipboard(), &QClipboard::dataChanged, qApp, x_changed);
     QObject::connect(qApp, &QGuiApplication::applicationStateChanged, qApp, x_active);
-    x_changed();
+    state.reading = true;
+    QTimer::singleShot(FIRST_READ_MS, qApp, [turn = state.turn] {
+        if (turn == x_state().turn)
+            x_changed();
+    });
 }
 
 void clip_put(std::shared_ptr<const FileListRecord> list, bool cut)

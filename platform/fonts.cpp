@@ -2,10 +2,13 @@
 // before the toolkit sees it, because the settings may hold anything.
 #include "platform/fonts.h"
 
+#include "platform/worker.h"
+
 #include <QApplication>
 #include <QFontDatabase>
 #include <QStringList>
 #include <cstring>
+#include <fontconfig/fontconfig.h>
 
 namespace tav {
 namespace {
@@ -16,6 +19,8 @@ constexpr int FIELDS_MOST = 17;
 constexpr double POINTS_LEAST = 4; // what still can be read, and what still fits a row on a screen
 constexpr double POINTS_MOST = 96;
 constexpr int PIXELS_MOST = 256;
+constexpr size_t STACK_SIZE =
+    1024 * 1024; // bytes that reading the fonts gets, not knowing its need
 
 bool x_is_known_family(const QString &family)
 {
@@ -95,6 +100,11 @@ void fonts_to_name(const QFont &font, char *name, size_t size)
     if (text.isEmpty())
         text = DESKTOP_FONT;
     memcpy(name, text.constData(), std::min(static_cast<size_t>(text.size()), size - 1));
+}
+
+void fonts_read_early()
+{
+    worker_start([] { FcInit(); }, STACK_SIZE); // else it is read when it is needed
 }
 
 } // namespace tav

@@ -12,4 +12,8 @@ QFont fonts_from_name(const char *name, size_t size);
 // The text to keep for a font: terminated and padded with NUL, at most size - 1 bytes.
 void fonts_to_name(const QFont &font, char *name, size_t size);
 
+// Begins to read the system's list of fonts, on a thread of its own, so that it is there when the
+// first text is measured. To be called before the toolkit connects to the display, which waits.
+void fonts_read_early();
+
 } // namespace tav

@@ -1,6 +1,9 @@
 // Light or dark, as the desktop wishes.
 #include "platform/scheme.h"
 
+#include "platform/ui_gate.h"
+#include "platform/worker.h"
+
 #include <QApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -105,7 +108,11 @@ void scheme_follow_desktop()
     const bool themed = QApplication::palette() != QApplication::style()->standardPalette();
     if (themed || qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
         return;
-    x_ask(QDBusConnection::sessionBus());
+    worker_start([] { // connecting waits for the bus, which the start need not
+        const QDBusConnection bus = QDBusConnection::sessionBus();
+        if (bus.isConnected())
+            ui_post([bus] { x_ask(bus); });
+    });
 }
 
 } // namespace tav

@@ -11,6 +11,7 @@
 #include <QEvent>
 #include <QPointer>
 #include <QShortcut>
+#include <QTimer>
 #include <QWindow>
 #include <utility>
 #include <vector>
@@ -28,11 +29,8 @@ class Block : public QObject {
 public:
     explicit Block(QWidget *widget) : QObject(widget)
     {
-        swap_cursor(widget);
-        for (QWidget *child : widget->findChildren<QWidget *>()) {
-            if (child->testAttribute(Qt::WA_SetCursor) && !child->isWindow())
-                swap_cursor(child);
-        }
+        // What ends before the main loop runs again needs no busy pointer, and making one is dear.
+        QTimer::singleShot(0, this, [this, widget] { swap_cursors(widget); });
         sBlocked++;
     }
     ~Block() override
@@ -51,6 +49,15 @@ private:
         QCursor cursor;
         bool own; // the widget had a pointer of its own
     };
+
+    void swap_cursors(QWidget *blocked)
+    {
+        swap_cursor(blocked);
+        for (QWidget *child : blocked->findChildren<QWidget *>()) {
+            if (child->testAttribute(Qt::WA_SetCursor) && !child->isWindow())
+                swap_cursor(child);
+        }
+    }
 
     void swap_cursor(QWidget *widget)
     {

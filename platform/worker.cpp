@@ -25,13 +25,13 @@ void *x_run(void *argument)
     return nullptr;
 }
 
-int x_create(std::function<void()> *work)
+int x_create(std::function<void()> *work, size_t stack)
 {
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
     pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
 #ifndef TAV_SANITIZED // a sanitizer's frames are larger
-    pthread_attr_setstacksize(&attributes, WORKER_STACK_SIZE);
+    pthread_attr_setstacksize(&attributes, stack);
 #endif
     sigset_t all, before; // the thread inherits the mask: signals are the main thread's
     sigfillset(&all);
@@ -45,11 +45,11 @@ int x_create(std::function<void()> *work)
 
 } // namespace
 
-int worker_start(std::function<void()> work)
+int worker_start(std::function<void()> work, size_t stack)
 {
     auto owned = std::make_unique<std::function<void()>>(std::move(work));
     sCount++;
-    const int error = x_create(owned.get());
+    const int error = x_create(owned.get(), stack);
     if (error == 0) {
         static_cast<void>(owned.release()); // the thread's now
         return 0;

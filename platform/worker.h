@@ -8,8 +8,9 @@ namespace tav {
 
 constexpr size_t WORKER_STACK_SIZE = 65536; // bytes, in ordinary builds
 
-// Runs work on a detached thread that sees no signal. 0, or -1 with errno when it cannot start.
-int worker_start(std::function<void()> work);
+// Runs work on a detached thread that sees no signal, with a stack of that size. 0, or -1 with
+// errno when it cannot start.
+int worker_start(std::function<void()> work, size_t stack = WORKER_STACK_SIZE);
 
 // What makes the thread; tests put one in its place that refuses.
 extern decltype(&pthread_create) gWorkerCreate;

@@ -31,7 +31,6 @@ const Section sSections[FL_COLUMNS] = {
 };
 
 constexpr int sHandleWidth = 9; // pixels that take hold of a border
-constexpr int sImageSize = 12;  // of the sort image
 constexpr int sKeyStep = 8;     // pixels that one key makes a column wider or narrower
 constexpr int sMargin = 5;      // beside a label
 
@@ -58,7 +57,8 @@ FlHeaderButton::FlHeaderButton(int column, QWidget *parent)
 QSize FlHeaderButton::sizeHint() const
 {
     const QFontMetrics metrics(font());
-    return {metrics.horizontalAdvance(text()) + sImageSize + 3 * sMargin, metrics.height() + 8};
+    return {metrics.horizontalAdvance(text()) + FL_SORT_IMAGE_SIZE + 3 * sMargin,
+            metrics.height() + 8};
 }
 
 bool FlHeaderButton::event(QEvent *event)
@@ -94,7 +94,7 @@ void FlHeaderButton::paintEvent(QPaintEvent *)
 
     QRect area = rect().adjusted(sMargin, 0, -sMargin, 0);
     if (!icon().isNull()) {
-        QRect image(0, 0, sImageSize, sImageSize);
+        QRect image(0, 0, FL_SORT_IMAGE_SIZE, FL_SORT_IMAGE_SIZE);
         image.moveCenter(area.center());
         image.moveRight(area.right());
         icon().paint(&painter, image);

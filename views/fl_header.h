@@ -12,6 +12,7 @@ namespace tav {
 
 constexpr int FL_WIDTH_MIN = 16;   // narrower a column is not shown
 constexpr int FL_WIDTH_MAX = 8000; // nor wider
+constexpr int FL_SORT_IMAGE_SIZE = 12;
 
 // One section, painted as the style paints a header.
 class FlHeaderButton : public QAbstractButton {

@@ -136,7 +136,7 @@ private Q_SLOTS:
     {
         QCOMPARE(window_->edit->cursor().shape(), Qt::IBeamCursor);
         wblock(window_.get(), 1);
-        QCOMPARE(window_->cursor().shape(), Qt::WaitCursor);
+        QTRY_COMPARE(window_->cursor().shape(), Qt::WaitCursor);
         QCOMPARE(window_->edit->cursor().shape(), Qt::WaitCursor);
         wblock(window_.get(), 0);
         QCOMPARE(window_->cursor().shape(), Qt::ArrowCursor);

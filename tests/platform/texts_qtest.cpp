@@ -4,11 +4,13 @@
 #include "platform/lengths.h"
 #include "platform/res.h"
 #include "platform/shown.h"
+#include "platform/worker.h"
 
 #include <QApplication>
 #include <QComboBox>
 #include <QFontDatabase>
 #include <QLineEdit>
+#include <QPixmapCache>
 #include <QSignalSpy>
 #include <QTest>
 #include <random>
@@ -282,6 +284,23 @@ private Q_SLOTS:
         QFETCH(QByteArray, name);
         QFETCH(QByteArray, text);
         QCOMPARE(QByteArray(res_text(name.constData())), text);
+    }
+
+    void images_drawn_ahead_look_as_those_drawn_when_needed()
+    {
+        const QSize size(24, 24);
+        const auto shown = [&](QIcon::Mode mode) {
+            QPixmapCache::clear();
+            return res_image("copy").pixmap(size, 1.0, mode).toImage();
+        };
+        const QImage normal = shown(QIcon::Normal);
+        const QImage dimmed = shown(QIcon::Disabled);
+        QVERIFY(normal != dimmed);
+        for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Disabled}) {
+            res_draw_early({{"copy", 24}, {"no such image", 24}});
+            QTRY_COMPARE(worker_count(), 0);
+            QCOMPARE(shown(mode), mode == QIcon::Normal ? normal : dimmed);
+        }
     }
 
     void images_are_sharp_at_every_size()

@@ -1,6 +1,8 @@
 // Timers, work procedures, texts, focus, centring and search of the widget utilities.
+#include "platform/style.h"
 #include "platform/w.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
@@ -11,6 +13,7 @@
 #include <QTimer>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 
 using namespace tav;
 
@@ -26,6 +29,20 @@ class WidgetsTest : public QObject {
     }
 
 private Q_SLOTS:
+    void a_box_to_check_can_be_seen_on_a_dark_window()
+    {
+        style_install();
+        QCheckBox box;
+        const QColor window(0x2b, 0x2d, 0x30);
+        box.setPalette(QPalette(window));
+        const QImage image = box.grab().toImage();
+        int lightest = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                lightest = std::max(lightest, qGray(image.pixel(x, y)));
+        QVERIFY2(lightest > qGray(window.rgb()) + 60, qPrintable(QString::number(lightest)));
+    }
+
     void a_timer_repeats_and_hands_over_its_widget()
     {
         QWidget widget;
