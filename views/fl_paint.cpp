@@ -32,6 +32,7 @@ struct RowLook {
     int index; // DIR_PARENT or an entry
     bool selected;
     bool current;
+    int spill; // pixels of the name's column that the size takes, having too few of its own
 };
 
 constexpr int sFitCandidates = 256; // longest texts that are measured
@@ -81,7 +82,9 @@ QRect x_text_area(const RowLook &row, const QRect &column, int number)
     QRect area(column.left(), row.area.top(), column.width(), row.area.height());
     area.adjust(FL_ROW_MARGIN, 0, -FL_ROW_MARGIN, 0);
     if (number == FL_COLUMN_NAME)
-        area.setLeft(area.left() + FL_IMAGE_SIZE + FL_ROW_MARGIN);
+        area.adjust(FL_IMAGE_SIZE + FL_ROW_MARGIN, 0, -row.spill, 0);
+    else if (number == FL_COLUMN_SIZE)
+        area.adjust(-row.spill, 0, 0, 0);
     return area;
 }
 
@@ -140,13 +143,28 @@ void x_paint_row(QPainter &painter, const FlView &view, const Look &look, const 
                       row.selected ? x_mix(look.frame, look.selected_text, 0.5) : look.frame);
 }
 
+// A size that is cut looks like a smaller one: it rather takes from its neighbour, as long as most
+// of it stands in its own column and most of the neighbour is left.
+int x_spill(const FlView &view, int index)
+{
+    const int own = view.header()->section(FL_COLUMN_SIZE).width();
+    const QString text = x_shown(index, FL_COLUMN_SIZE);
+    const QFontMetrics metrics = view.fontMetrics();
+    const int most_wide = static_cast<int>(text.size()) * metrics.horizontalAdvance(u'0');
+    if (most_wide + 2 * FL_ROW_MARGIN <= own)
+        return 0; // as nearly always
+    const int missing = metrics.horizontalAdvance(text) + 2 * FL_ROW_MARGIN - own;
+    const int most = std::min(own, view.header()->section(FL_COLUMN_NAME).width() / 2);
+    return missing > 0 && missing <= most ? missing : 0;
+}
+
 RowLook x_row_look(const FlView &view, int row)
 {
     const int index = fl_row_index(row);
     const bool entry = index >= 0;
     const DirEntry *found = entry ? gDir.entries[static_cast<size_t>(index)] : nullptr;
     return {view.row_rect(row), index, found && (found->flags & DIR_SELECTED),
-            index == gDir.current};
+            index == gDir.current, entry ? x_spill(view, index) : 0};
 }
 
 // Bytes of a column's text, without making it where that costs.

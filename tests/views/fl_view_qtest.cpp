@@ -263,6 +263,36 @@ private Q_SLOTS:
         QVERIFY(!QToolTip::isVisible());
     }
 
+    void size_of_many_digits_is_shown_whole_in_a_column_of_the_usual_width()
+    {
+        m_dir->file("a", 4294967295);
+        m_dir->file("b", 1);
+        fl_setpath(m_dir->path().c_str());
+        const int wide =
+            m_window->list->fontMetrics().horizontalAdvance(QStringLiteral("4,294,967,295"));
+        fl_set_column_width(2, wide * 3 / 4);
+        QVERIFY(header()->section(2).width() < wide);
+        const QImage image = m_window->list->viewport()->grab().toImage();
+        const auto is_inked = [&](int index) {
+            const int y = m_window->at(index).y();
+            const QRgb ground = image.pixel(image.width() - 3, y);
+            for (int x = header()->section(2).right() - wide; x < header()->section(2).left(); ++x)
+                for (int dy = -6; dy <= 6; ++dy)
+                    if (image.pixel(x, y + dy) != ground)
+                        return true;
+            return false;
+        };
+        fl_goto_index(DIR_PARENT);
+        QVERIFY(is_inked(0));
+        QVERIFY(!is_inked(1));
+        const QPoint at(header()->section(2).center().x(), m_window->at(0).y());
+        QCOMPARE(fl_paint_cut_text(*m_window->list, at), QString());
+        fl_set_column_width(2, wide / 4); // hardly any of it would stand in its own column
+        QCOMPARE(fl_paint_cut_text(*m_window->list,
+                                   {header()->section(2).center().x(), m_window->at(0).y()}),
+                 QStringLiteral("4,294,967,295"));
+    }
+
     void tiny_list_survives()
     {
         show(50);
