@@ -1,9 +1,11 @@
 // The words of the command line.
 #include "app/options.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 
 namespace tav {
 
@@ -64,9 +66,21 @@ bool x_take(Options &options, char letter, const char *value)
     }
 }
 
-bool x_is_letter(char letter)
+// Words of the toolkit that begin like options of ours.
+constexpr std::string_view sToolkitWords[] = {"-session", "-style", "-stylesheet", "-widgetcount"};
+
+bool x_is_toolkit_word(std::string_view word)
 {
-    return letter != ':' && letter != '\0' && std::strchr(OPTIONS_LETTERS, letter) != nullptr;
+    const std::string_view name = word.substr(0, word.find('='));
+    return std::find(std::begin(sToolkitWords), std::end(sToolkitWords), name) !=
+           std::end(sToolkitWords);
+}
+
+bool x_is_option(const char *word)
+{
+    const char letter = word[0] == '-' ? word[1] : '\0';
+    return letter != ':' && letter != '\0' && std::strchr(OPTIONS_LETTERS, letter) != nullptr &&
+           !x_is_toolkit_word(word);
 }
 
 } // namespace
@@ -80,7 +94,7 @@ Options options_parse(int argc, const char *const *argv)
             options.help = true;
         else if (std::strcmp(word, "--version") == 0)
             options.version = true;
-        if (word[0] != '-' || !x_is_letter(word[1]))
+        if (!x_is_option(word))
             continue;
         const bool joined = word[2] != '\0';
         const char *value = joined ? word + 2 : i + 1 < argc ? argv[i + 1] : nullptr;

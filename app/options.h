@@ -19,8 +19,8 @@ struct Options {
 };
 
 // Reads the options; a value may stand in the same word or in the next ("-Sm", "-S m"). Words that
-// are no options are left to whoever looks for the start directory. Words that are not understood
-// are told in error.
+// are no options are left to whoever looks for the start directory, the toolkit's own ("-style") to
+// the toolkit. Words that are not understood are told in error.
 Options options_parse(int argc, const char *const *argv);
 
 // The usage text for a program of that name.

@@ -195,6 +195,18 @@ TEST(OptionsTest, WhatMakesNoSenseIsToldAndIgnored)
     EXPECT_FALSE(parse({"tav", "-x1z"}).has_x);
 }
 
+TEST(OptionsTest, WordsOfTheToolkitAreNoneOfOurs)
+{
+    for (const char *word : {"-style", "-style=fusion", "-stylesheet", "-stylesheet=a.qss",
+                             "-session", "-session=1", "-widgetcount"}) {
+        const Options options = parse({"tav", word, "-w300"});
+        EXPECT_EQ(options.server, "") << word;
+        EXPECT_EQ(options.error, "") << word;
+        EXPECT_EQ(options.width, 300) << word;
+    }
+    EXPECT_EQ(parse({"tav", "-server"}).server, "erver");
+}
+
 TEST(OptionsTest, HelpShowsTheUsageTextWithTheProgramsName)
 {
     EXPECT_TRUE(parse({"tav", "--help"}).help);
