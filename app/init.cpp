@@ -13,6 +13,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <memory>
 #include <string>
 #include <unistd.h>
 
@@ -43,7 +44,9 @@ int init(int argc, const char *const *argv)
     gStartPath = start_path(argc, argv);
     static std::string sConfigPath;
     gConfigPath = x_get_config_path(sConfigPath) == 0 ? sConfigPath.c_str() : nullptr;
-    gConfig = x_read_config(gConfigPath, "config.003");
+    static Config sConfig;
+    sConfig = *std::unique_ptr<Config>(x_read_config(gConfigPath, "config.003"));
+    gConfig = &sConfig;
     init_read_cboxs(gConfigPath);
     gAsFatal = x_fatal;
     init_read_associations(gConfigPath, "associate.003");

@@ -23,7 +23,8 @@
 
 namespace tav {
 
-DirListing gDir = {{}, {}, false, {}, 0, 0, 0, 0, 0, DIR_PARENT, 0};
+// Never destroyed: who leaves need not wait until a million entries are freed one by one.
+DirListing &gDir = *new DirListing{{}, {}, false, {}, 0, 0, 0, 0, 0, DIR_PARENT, 0};
 DirHooks gDirHooks = {};
 
 size_t gDirPaced = 0;
@@ -79,6 +80,7 @@ void x_recycle(DirListing &listing)
     listing.current = DIR_PARENT;
     listing.count = listing.ndirs = listing.nselected = 0;
     sReadCount = 0;
+    gDirPaced = 0;
     try {
         dir_order_addresses(listing.entries.data(), static_cast<size_t>(listing.spare));
     } catch (const std::bad_alloc &) {

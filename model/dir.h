@@ -47,7 +47,7 @@ struct DirListing {
     int spare;                       // entries waiting behind the listed ones
 };
 
-extern DirListing gDir; // the one listing of the program: all zero, current -1
+extern DirListing &gDir; // the one listing of the program: all zero, current -1
 
 // What a read tells its surroundings; every member may be null. Set once by the main window.
 struct DirHooks {

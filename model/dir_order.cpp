@@ -183,12 +183,16 @@ void dir_order_addresses(DirEntry **entries, size_t count)
     while ((last - address(*low)) >> shift >= STRETCHES)
         shift++;
     std::vector<size_t> begin(((last - address(*low)) >> shift) + 2);
-    for (size_t i = 0; i < count; i++)
+    for (size_t i = 0; i < count; i++) {
         begin[((last - address(entries[i])) >> shift) + 1]++;
+        dir_pace(1);
+    }
     std::partial_sum(begin.begin(), begin.end(), begin.begin());
     const std::vector<DirEntry *> before(entries, entries + count);
-    for (DirEntry *entry : before)
+    for (DirEntry *entry : before) {
         entries[begin[(last - address(entry)) >> shift]++] = entry;
+        dir_pace(1);
+    }
 }
 
 } // namespace tav

@@ -10,6 +10,7 @@
 #include "platform/lengths.h"
 #include "platform/ui_gate.h"
 #include "platform/w.h"
+#include "support/boxes.h"
 #include "views/fl.h"
 #include "views/fl_view.h"
 
@@ -83,7 +84,41 @@ private Q_SLOTS:
         setenv("HOME", m_dir->path().c_str(), 1);
         m_config = m_dir->path() + "/.ph/tav";
     }
-    void cleanup() { finish(); }
+    void cleanup()
+    {
+        finish();
+        QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(0); });
+        QApplication::exec(); // or the exit asked for by leaving would end the next box's loop
+        dir_release(gDir);
+        gDir.path.clear();
+        gDir.has_path = false;
+    }
+
+    void aStartDirectoryThatIsLostMeanwhileIsToldInTheEmptyWindow_data()
+    {
+        QTest::addColumn<bool>("file");
+        QTest::addColumn<QString>("said");
+        QTest::newRow("vanished") << false << QStringLiteral("Directory '%1', not found");
+        QTest::newRow("replaced by a file") << true << QStringLiteral("Path '%1' not found");
+    }
+    void aStartDirectoryThatIsLostMeanwhileIsToldInTheEmptyWindow()
+    {
+        QFETCH(bool, file);
+        QFETCH(QString, said);
+        const std::string directory = m_dir->at("shown");
+        const char *words[] = {"tav", directory.c_str()};
+        tav::init(2, words);
+        QCOMPARE(std::rename(directory.c_str(), m_dir->at("away").c_str()), 0);
+        if (file)
+            m_dir->file("shown");
+        const auto seen = test::boxes_answer_next(QStringLiteral("&Continue"));
+        base_create({});
+        QVERIFY(seen->came);
+        QCOMPARE(seen->title, QStringLiteral("Error"));
+        QCOMPARE(seen->text, said.arg(QString::fromStdString(directory)));
+        QVERIFY(gBase->isVisible());
+        QCOMPARE(gDir.count, 0);
+    }
 
     void theWindowOpensTheStartDirectoryWithTheListFocused()
     {

@@ -82,20 +82,50 @@ test_settings_path_is_not_writable() {
     expect "" "$(ls -A "$HOME/.ph/tav")" "what was written"
 }
 
-# HOME unset means /.ph/tav, which is not there; nothing is read or written in the working directory.
+# HOME unset or empty means /.ph/tav, which is not there; nothing is read or written in the working directory.
 test_no_home() {
     [ ! -e /.ph ] || return 0
     mkdir "$work/nohome"
     cd "$work/nohome"
     local home=$HOME
-    unset HOME
-    tav_start .
-    tav_ready "$work/nohome"
+    for HOME in unset ''; do
+        [ "$HOME" != unset ] || unset HOME
+        tav_start .
+        tav_ready "$work/nohome"
+        tav_quit
+        expect "TAV error: unable to create config directory /.ph/tav" "$(first_error)" "create message"
+        expect "" "$(ls -A "$work/nohome")" "what was written to the working directory"
+    done
+    export HOME=$home
+    cd /
+}
+
+# A home given by a relative path stays where it was when the list goes elsewhere.
+test_relative_home() {
+    mkdir -p "$work/relative/home/.ph"
+    cd "$work/relative"
+    local home=$HOME
+    HOME=home tav_start "$work"
+    tav_ready "$work"
     tav_quit
     export HOME=$home
-    expect "TAV error: unable to create config directory /.ph/tav" "$(first_error)" "create message"
-    expect "" "$(ls -A "$work/nohome")" "what was written to the working directory"
+    expect 4668 "$(stat -c %s "$work/relative/home/.ph/tav/config.003")" "size of the settings"
+    [ ! -e "$work/home/home" ] || fail "settings were written where the list stood"
     cd /
+}
+
+# Histories that nobody would type: each is read as far as it makes sense and kept.
+test_strange_histories() {
+    local dir=$work/strange/.ph/tav
+    mkdir -p "$dir"
+    head -c 10000000 /dev/zero | tr '\0' a >"$dir/goto.001"
+    printf 'a*\0lost\nb*\n' >"$dir/pattern.001"
+    printf '*.txt\n*' >"$dir/fspec.001"
+    round "$work/strange"
+    expect 20 "$(wc -l <"$dir/goto.001")" "pieces kept of a line of 10 MB"
+    expect 1022 "$(wc -L <"$dir/goto.001")" "length of a piece"
+    expect $'a*\nb*' "$(cat "$dir/pattern.001")" "patterns"
+    expect $'*.txt\n*' "$(cat "$dir/fspec.001")" "filters"
 }
 
 # A record of random bytes is believed in nothing, and what it says is not "corrected" on the disk.
@@ -104,7 +134,7 @@ test_random_settings() {
     head -c 4668 /dev/urandom >"$work/random/.ph/tav/config.003"
     head -c 100000 /dev/urandom >"$work/random/.ph/tav/goto.001"
     head -c 100000 /dev/urandom >"$work/random/.ph/tav/fspec.001"
-    echo '*' >"$work/random/.ph/tav/fspec.001"
+    head -c 100000 /dev/urandom >"$work/random/.ph/tav/pattern.001"
     round "$work/random"
     expect 4668 "$(stat -c %s "$(config)")" "size of the settings"
 }
@@ -115,4 +145,6 @@ test_ph_is_missing
 test_settings_path_is_a_file
 test_settings_path_is_not_writable
 test_no_home
+test_relative_home
+test_strange_histories
 test_random_settings
