@@ -377,7 +377,8 @@ void dtm_errinfo(const char *title, const QString &text)
     report.title = QLatin1String(title);
     report.text = text;
     report.buttons = {QStringLiteral("&Close")};
-    wquestion(gBase, report, [](int) {});
+    // Later: a box must not come up while a menu is on its way to the screen.
+    QTimer::singleShot(0, gBase, [report] { wquestion(gBase, report, [](int) {}); });
 }
 
 } // namespace tav

@@ -5,6 +5,7 @@
 #include "commands/lcm.h"
 #include "commands/mgen.h"
 #include "jobs.h"
+#include "platform/pool.h"
 #include "platform/worker.h"
 #include "support/boxes.h"
 #include "views/fl_fixture.h"
@@ -27,6 +28,18 @@ int x_chosen(const char *path)
 {
     sChosen.emplace_back(path ? path : "other");
     return 0;
+}
+
+int x_refuse(pthread_t *, const pthread_attr_t *, void *(*)(void *), void *) noexcept
+{
+    return EAGAIN;
+}
+
+std::atomic<bool> sHang; // directories do not answer
+DIR *x_slow_opendir(const char *path)
+{
+    test_wait([] { return !sHang; }, 60'000);
+    return opendir(path);
 }
 
 QStringList x_texts(const QMenu &menu)
@@ -102,6 +115,9 @@ private Q_SLOTS:
     }
     void cleanup()
     {
+        sHang = false;
+        gDtmOpendir = opendir;
+        gWorkerCreate = pthread_create;
         m_window.reset();
         m_dir.reset();
         gConfig->flags = m_flags;
@@ -221,6 +237,82 @@ private Q_SLOTS:
         }
         QTRY_COMPARE(worker_count(), 0);
         QVERIFY(sChosen.empty());
+    }
+
+    void a_thread_that_cannot_start_is_told_and_tried_again_at_the_next_opening()
+    {
+        m_dir->dir("sub");
+        gWorkerCreate = x_refuse;
+        QMenu menu;
+        DirMenuItem *item = open(menu);
+        QTRY_VERIFY(box());
+        QCOMPARE(box()->windowTitle(), QStringLiteral("Directory Scanning"));
+        QCOMPARE(test::boxes_text(box()), QStringLiteral("Unable to start scanning procedure!"));
+        gWorkerCreate = pthread_create;
+        box()->close();
+        menu.close();
+        menu.popup(QPoint(0, 0));
+        menu.setActiveAction(item);
+        QTRY_COMPARE(item->items.size(), 1);
+    }
+
+    void an_item_that_nobody_can_examine_shows_an_arrow()
+    {
+        gWorkerCreate = x_refuse;
+        QMenu menu;
+        DirMenuItem *item = dtm_add_item(&menu, m_dir->path(), "x", DTM_EXAMINE, x_chosen);
+        gWorkerCreate = pthread_create;
+        QCOMPARE(item->state(), DtmState::cascade);
+    }
+
+    void a_directory_that_hangs_holds_nothing_up()
+    {
+        m_dir->dir("sub");
+        sHang = true;
+        gDtmOpendir = x_slow_opendir;
+        {
+            QMenu menu;
+            DirMenuItem *item = open(menu);
+            QTRY_VERIFY(dtm_is_scanning(*item));
+            QTRY_VERIFY(item->submenu->isVisible());
+            QCOMPARE(x_texts(*item->submenu), QStringList{QStringLiteral("Scanning...")});
+            menu.close();
+        } // destroyed in the middle of the scan: nobody waits for the worker
+        QCOMPARE(worker_count(), 1);
+        sHang = false;
+        QTRY_COMPARE(worker_count(), 0);
+        gDtmOpendir = opendir;
+    }
+
+    void many_entries_are_examined_by_few_threads()
+    {
+        sHang = true;
+        gDtmOpendir = x_slow_opendir;
+        QMenu menu;
+        QList<DirMenuItem *> items;
+        for (int i = 0; i < 30; i++) {
+            const std::string path = m_dir->dir("d" + std::to_string(i));
+            items.append(dtm_add_item(&menu, path, path, DTM_EXAMINE, x_chosen));
+        }
+        QVERIFY(worker_count() <= POOL_WORKERS + 1); // with the one that watches them
+        sHang = false;
+        for (const DirMenuItem *item : items)
+            QTRY_COMPARE(item->state(), DtmState::plain);
+        QTRY_COMPARE(worker_count(), 0);
+        gDtmOpendir = opendir;
+    }
+
+    void items_of_a_huge_directory_have_their_texts_in_the_end()
+    {
+        for (int i = 0; i < 2100; i++)
+            m_dir->dir(std::to_string(i));
+        QMenu menu;
+        DirMenuItem *item = open(menu);
+        QTRY_COMPARE_WITH_TIMEOUT(item->items.size(), 2100, 20000);
+        QTRY_VERIFY(item->submenu->isVisible());
+        QTRY_COMPARE(item->items.last()->text(), QStringLiteral("2099/"));
+        const int width = item->submenu->actionGeometry(item->items.last()).width();
+        QVERIFY(width >= item->submenu->fontMetrics().horizontalAdvance(QStringLiteral("2099/")));
     }
 
     void nothing_selected_adds_no_destination_items_and_answers_three()
