@@ -276,6 +276,21 @@ private Q_SLOTS:
         QCOMPARE(QByteArray(gConfig->tree_font), QByteArray("TextFont08"));
     }
 
+    void the_chooser_opens_where_its_button_is()
+    {
+        x_open();
+        dialog_up(DIALOG)->move(40, 30);
+        const auto *button = dialog_find<QPushButton>(DIALOG, "clist_select");
+        const QPoint at = button->mapToGlobal(QPoint(0, 0));
+        dialog_click(DIALOG, "clist_select");
+        const QRect screen = button->screen()->availableGeometry();
+        const QRect frame = x_chooser()->frameGeometry();
+        QVERIFY(screen.contains(frame));
+        QVERIFY(frame.left() == at.x() || frame.right() >= screen.right() - 5);
+        QVERIFY(frame.top() == at.y() || frame.bottom() >= screen.bottom() - 5);
+        x_chooser()->reject();
+    }
+
     void the_hotlist_font_goes_to_the_tree()
     {
         x_open();

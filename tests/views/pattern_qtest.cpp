@@ -167,6 +167,18 @@ private Q_SLOTS:
         QCOMPARE(box()->itemText(1), QStringLiteral("*.c"));
     }
 
+    void a_remembered_pattern_that_is_no_text_keeps_its_bytes()
+    {
+        dir_->file("caf\xE9.c");
+        fl_refresh();
+        cl_add(gPatternList, "caf\xE9*");
+        em_select_pattern(nullptr);
+        QTRY_COMPARE(QApplication::activeWindow(), dialog_up("pattern_dlg"));
+        QCOMPARE(box()->currentText(), QStringLiteral("caf\\xE9*"));
+        QTest::keyClick(box()->lineEdit(), Qt::Key_Return);
+        QCOMPARE(selected_names(), std::string("caf\xE9.c"));
+    }
+
     void the_main_window_is_blocked_and_gets_the_keyboard_back()
     {
         em_select_pattern(nullptr);

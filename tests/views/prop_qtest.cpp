@@ -102,6 +102,26 @@ private Q_SLOTS:
         QCOMPARE(case_->dir.mode("b"), mode_t(0720));
     }
 
+    void one_entry_gets_the_mode_that_is_shown_whatever_it_has_by_then()
+    {
+        case_->dir.file("a", 0, 0644);
+        case_->open({"a"});
+        QCOMPARE(chmod(case_->dir.at("a").c_str(), 0700), 0);
+        prop_click_toggle("pr_gwrite");
+        prop_click_done();
+        QCOMPARE(case_->dir.mode("a"), mode_t(0664));
+    }
+
+    void one_entry_that_vanished_cannot_be_changed()
+    {
+        case_->dir.file("a", 0, 0644);
+        case_->open({"a"});
+        unlink(case_->dir.at("a").c_str());
+        prop_click_toggle("pr_gwrite");
+        QCOMPARE(prop_done_says(), QStringLiteral("Error: Unable to change permissions of 'a'"));
+        QVERIFY(!dialog_up(PROP_DIALOG));
+    }
+
     void cancel_and_escape_change_nothing()
     {
         case_->dir.file("a", 0, 0644);
