@@ -56,6 +56,7 @@ void pattern_setup()
     x_show_latest();
     sForm.ppattern->setMinimumWidth(36 * sDialog->fontMetrics().averageCharWidth());
     sForm.ppattern->lineEdit()->setAccessibleName(sForm.ppattern->accessibleName());
+    sForm.ppattern->setCompleter(nullptr); // "*" is a pattern, not the beginning of the last one
     sForm.ppattern->setFocus();
 }
 

@@ -167,6 +167,24 @@ private Q_SLOTS:
         QCOMPARE(box()->itemText(1), QStringLiteral("*.c"));
     }
 
+    void a_pattern_that_begins_like_a_remembered_one_is_taken_as_it_is()
+    {
+        cl_add(gPatternList, "*.c");
+        em_select_pattern(nullptr);
+        QTRY_COMPARE(QApplication::activeWindow(), dialog_up("pattern_dlg"));
+        apply("*");
+        QCOMPARE(gDir.nselected, 6);
+    }
+
+    void return_applies_the_pattern_that_is_offered()
+    {
+        cl_add(gPatternList, "*.c");
+        em_select_pattern(nullptr);
+        QTRY_COMPARE(QApplication::activeWindow(), dialog_up("pattern_dlg"));
+        QTest::keyClick(box()->lineEdit(), Qt::Key_Return);
+        QCOMPARE(selected_names(), std::string("a.c d.c"));
+    }
+
     void a_remembered_pattern_that_is_no_text_keeps_its_bytes()
     {
         dir_->file("caf\xE9.c");
