@@ -34,12 +34,14 @@ void _build_path(std::string &out, const char *dir, const char *name)
 
 void *fop_alloc(FileOp *job, size_t size)
 {
-    return alloc_add(job->pool, std::malloc(size ? size : 1));
+    return alloc_add(job->pool, gFopSys.alloc(size ? size : 1));
 }
 
 char *fop_strdup(FileOp *job, const char *text)
 {
-    return static_cast<char *>(alloc_add(job->pool, strdup(text)));
+    const size_t size = std::strlen(text) + 1;
+    auto *copy = static_cast<char *>(fop_alloc(job, size));
+    return copy ? static_cast<char *>(std::memcpy(copy, text, size)) : nullptr;
 }
 
 DirGroup *fop_group_new(FileOp *job, int count)

@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
@@ -131,6 +132,7 @@ const FopSys gFopSysReal = {
     .syncfs = ::syncfs,
     .sync = ::sync,
     .delay = x_delay,
+    .alloc = std::malloc,
 };
 
 FopSys gFopSys = gFopSysReal;

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <condition_variable>
+#include <cstdlib>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -78,6 +79,65 @@ TEST(FopCreate, never_takes_the_directory_itself_or_its_parent_for_an_item)
     EXPECT_STREQ(job->groups[0]->names[0], "");
     EXPECT_STREQ(job->groups[0]->names[1], "");
     fop_free(job);
+}
+
+// The allocation number n fails, from 0.
+int sLeft;
+void *x_alloc(size_t size)
+{
+    if (sLeft-- != 0)
+        return std::malloc(size);
+    errno = ENOMEM;
+    return nullptr;
+}
+
+TEST(FopMemory, without_it_there_is_no_job)
+{
+    SysGuard sys;
+    const char *names[] = {"a", "b"};
+    int n = 0;
+    for (FileOp *job = nullptr; !job; n++) {
+        gFopSys.alloc = x_alloc;
+        sLeft = n;
+        errno = 0;
+        job = fop_create(x_request(2, "/s", "/d", names));
+        EXPECT_EQ(errno, job ? 0 : ENOMEM);
+        EXPECT_EQ(job != nullptr, sLeft >= 0);
+        fop_free(job);
+    }
+    EXPECT_GT(n, 5);
+}
+
+TEST(FopMemory, when_it_ends_the_job_says_so_and_loses_nothing)
+{
+    for (int op : {FOP_COPY, FOP_MOVE, FOP_DELETE}) {
+        int n = 0;
+        for (bool failed = true; failed; n++) {
+            JobDir dir;
+            dir.dir("src/d/e");
+            dir.dir("dst");
+            dir.file("src/d/a", "one");
+            dir.file("src/d/e/b", "two");
+            auto before = dir.all("src");
+            Driver driver;
+            sys_two_file_systems();
+            driver.on_created = [&](FileOp &) {
+                sLeft = n;
+                gFopSys.alloc = x_alloc;
+            };
+            driver.run(op, dir / "src", {"d"}, op == FOP_DELETE ? "" : dir / "dst");
+            failed = sLeft < 0;
+            EXPECT_EQ(driver.notices.size(), failed ? 1u : 0u);
+            if (!failed)
+                break;
+            EXPECT_EQ(driver.notices[0], "Memory Allocation: Out of memory!");
+            auto src = dir.all("src"), dst = dir.all("dst");
+            for (auto &[name, what] : before)
+                EXPECT_EQ(src.count(name) ? src[name] : dst[name], what) << name << " is lost";
+            EXPECT_TRUE(driver.finished_done);
+        }
+        EXPECT_GT(n, 8);
+    }
 }
 
 TEST(FopThread, runs_detached_and_marks_its_end_last)
