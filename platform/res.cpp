@@ -87,7 +87,7 @@ QImage x_take_early(const QString &path, const QSize &size)
     const auto found = early.images.find({path, size.width()});
     if (found == early.images.end() || size.width() != size.height())
         return {};
-    const QImage image = found->second;
+    QImage image = std::move(found->second);
     early.images.erase(found);
     return image;
 }

@@ -153,7 +153,8 @@ int x_spill(const FlView &view, int index)
     const int most_wide = static_cast<int>(text.size()) * metrics.horizontalAdvance(u'0');
     if (most_wide + 2 * FL_ROW_MARGIN <= own)
         return 0; // as nearly always
-    const int missing = metrics.horizontalAdvance(text) + 2 * FL_ROW_MARGIN - own;
+    // One more, as what is measured was rounded.
+    const int missing = metrics.horizontalAdvance(text) + 1 + 2 * FL_ROW_MARGIN - own;
     const int most = std::min(own, view.header()->section(FL_COLUMN_NAME).width() / 2);
     return missing > 0 && missing <= most ? missing : 0;
 }

@@ -293,6 +293,31 @@ private Q_SLOTS:
                  QStringLiteral("4,294,967,295"));
     }
 
+    void size_that_takes_from_its_neighbour_ends_in_a_digit()
+    {
+        const off_t sizes[] = {111111111, 123456789, 127015936, 987654321, 4294967295};
+        for (const off_t size : sizes)
+            m_dir->file(std::to_string(size), size);
+        fl_setpath(m_dir->path().c_str());
+        fl_goto_index(DIR_PARENT);
+        const int wide =
+            m_window->list->fontMetrics().horizontalAdvance(QStringLiteral("111,111,111"));
+        for (int missing = 1; missing < 8; ++missing) {
+            fl_set_column_width(2, wide - missing);
+            const QImage image = m_window->list->viewport()->grab().toImage();
+            for (int index = 0; index < gDir.count; ++index) {
+                const int y = m_window->at(index).y();
+                const QRgb ground = image.pixel(image.width() - 3, y);
+                bool inked = false; // above the line that the dots of a cut text stand on
+                const int right = header()->section(2).right() - FL_ROW_MARGIN;
+                for (int x = right - 8; x <= right; ++x)
+                    for (int dy = -4; dy <= 0; ++dy)
+                        inked = inked || image.pixel(x, y + dy) != ground;
+                QVERIFY2(inked, gDir.entries[static_cast<size_t>(index)]->name);
+            }
+        }
+    }
+
     void tiny_list_survives()
     {
         show(50);
