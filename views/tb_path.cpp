@@ -116,12 +116,17 @@ int tb_curpath_cb(QWidget *widget)
     TbBox *path = box();
     if (!path)
         return W_CONTINUE;
+    const QString typed = path->currentText();
     std::string wanted = without_dots(absolute(text_of(path)));
     es_strip_pathname(wanted);
     sEntering = true;
     const bool changed = wanted != gDir.path && fl_newpath(widget, wanted.c_str()) == 0;
     sEntering = false;
     if (wanted != gDir.path) {
+        if (path->currentText() != typed) { // the list was refreshed while the message stood
+            path->setEditText(typed);
+            path->edit()->setModified(true);
+        }
         wfocus(path->edit()); // the text stays to be put right
         return W_CONTINUE;
     }

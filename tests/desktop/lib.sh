@@ -19,6 +19,8 @@ work=$(mktemp -d "${TMPDIR:-/tmp}/tav_desktop_XXXXXX")
 pids=()     # what ends with the script
 tav_pid=    # the tav that was started last
 tav_count=0 # tavs started so far
+export SLAY_PROC=$work/proc # so that the end of a job is told to the tavs of this test alone
+mkdir "$SLAY_PROC"
 bin=$work/bin # stand-ins for programs (stand_in)
 
 # Ends every process that was started with its group; removes the work directory.
@@ -103,6 +105,7 @@ tav_start() {
     "$TAV" "$@" >"$work/tav.$tav_count.out" 2>"$work/tav.$tav_count.err" </dev/null &
     tav_pid=$!
     pids+=("$tav_pid")
+    ln -sfn "/proc/$tav_pid" "$work/proc/$tav_pid"
 }
 
 # tav_window [PID]: the id of the visible main window.
