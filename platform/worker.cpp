@@ -25,7 +25,7 @@ void *x_run(void *argument)
     return nullptr;
 }
 
-int x_create(std::function<void()> *work, size_t stack)
+int x_create(std::function<void()> *work, [[maybe_unused]] size_t stack)
 {
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);

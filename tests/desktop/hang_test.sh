@@ -10,8 +10,9 @@ tav_start_hanging() {
     HANG_PATH=$work/hang HANG_UNTIL=$work/answer LD_PRELOAD=$(dirname "$TAV")/tests/hang.so \
         ASAN_OPTIONS=verify_asan_link_order=0 tav_start "$@"
 }
+# Whoever waits goes on, and so does who begins to wait meanwhile: the other end stays open.
 answer() {
-    true >"$work/answer" # whoever waits goes on
+    exec 9<>"$work/answer"
     rm "$work/answer"
 }
 
