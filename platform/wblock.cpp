@@ -19,6 +19,8 @@
 namespace tav {
 namespace {
 
+constexpr int BUSY_AFTER = 100; // milliseconds until the pointer tells that something is blocked
+
 int sBlocked = 0; // blocked widgets, of all kinds
 int sExclusiveDepth =
     0; // boxes that wait in a loop of their own: only message boxes take events then
@@ -29,8 +31,8 @@ class Block : public QObject {
 public:
     explicit Block(QWidget *widget) : QObject(widget)
     {
-        // What ends before the main loop runs again needs no busy pointer, and making one is dear.
-        QTimer::singleShot(0, this, [this, widget] { swap_cursors(widget); });
+        // What ends before anybody notices needs no busy pointer, and making one is dear.
+        QTimer::singleShot(BUSY_AFTER, this, [this, widget] { swap_cursors(widget); });
         sBlocked++;
     }
     ~Block() override
