@@ -5,6 +5,7 @@
 #include "platform/child.h"
 #include "platform/ui_gate.h"
 
+#include <QCoreApplication>
 #include <QSocketNotifier>
 #include <QTimer>
 #include <sys/syscall.h>
@@ -35,7 +36,7 @@ void x_watch(pid_t pid)
         x_look();
         return;
     }
-    auto *notifier = new QSocketNotifier(descriptor, QSocketNotifier::Read);
+    auto *notifier = new QSocketNotifier(descriptor, QSocketNotifier::Read, qApp);
     QObject::connect(notifier, &QSocketNotifier::activated, notifier, [notifier, descriptor] {
         notifier->setEnabled(false);
         notifier->deleteLater();
