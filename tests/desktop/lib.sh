@@ -133,7 +133,11 @@ tav_status() {
 }
 
 # tav_close [PID]: as the user does by the window's frame.
-tav_close() { wmctrl -i -c "$(tav_window "${1:-$tav_pid}")"; }
+tav_close() { wait_for "its window can be closed" tav_close_once "${1:-$tav_pid}"; }
+tav_close_once() {
+    local window # not found while another program's window goes away under the search
+    window=$(tav_window "$1") && wmctrl -i -c "$window"
+}
 
 keys() { xdotool key --clearmodifiers --delay 30 "$@"; }
 types() { xdotool type --clearmodifiers --delay 20 -- "$1"; }
