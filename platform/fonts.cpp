@@ -19,8 +19,6 @@ constexpr int FIELDS_MOST = 17;
 constexpr double POINTS_LEAST = 4; // what still can be read, and what still fits a row on a screen
 constexpr double POINTS_MOST = 96;
 constexpr int PIXELS_MOST = 256;
-constexpr size_t STACK_SIZE =
-    1024 * 1024; // bytes that reading the fonts gets, not knowing its need
 
 bool x_is_known_family(const QString &family)
 {
@@ -104,7 +102,7 @@ void fonts_to_name(const QFont &font, char *name, size_t size)
 
 void fonts_read_early()
 {
-    worker_start([] { FcInit(); }, STACK_SIZE); // else it is read when it is needed
+    worker_start([] { FcInit(); }, WORKER_STACK_LARGE); // else it is read when it is needed
 }
 
 } // namespace tav

@@ -27,8 +27,6 @@ static void res_link()
 namespace tav {
 namespace {
 
-constexpr size_t STACK_SIZE = 1024 * 1024; // bytes for drawing, whose need is the toolkit's
-
 // A line holds a name, a blank and the text; "\n" in the text stands for a line's end.
 void x_add_text(std::unordered_map<std::string, std::string> &texts, const QByteArray &line)
 {
@@ -160,7 +158,7 @@ void res_draw_early(std::vector<ResSized> wanted)
             x_early().images[{path, each.side}] = image;
         }
     };
-    worker_start(draw, STACK_SIZE); // else they are drawn when they are needed
+    worker_start(draw, WORKER_STACK_LARGE); // else they are drawn when they are needed
 }
 
 const char *res_text(const char *name)

@@ -108,11 +108,13 @@ void scheme_follow_desktop()
     const bool themed = QApplication::palette() != QApplication::style()->standardPalette();
     if (themed || qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
         return;
-    worker_start([] { // connecting waits for the bus, which the start need not
-        const QDBusConnection bus = QDBusConnection::sessionBus();
-        if (bus.isConnected())
-            ui_post([bus] { x_ask(bus); });
-    });
+    worker_start(
+        [] { // connecting waits for the bus, which the start need not
+            const QDBusConnection bus = QDBusConnection::sessionBus();
+            if (bus.isConnected())
+                ui_post([bus] { x_ask(bus); });
+        },
+        WORKER_STACK_LARGE);
 }
 
 } // namespace tav

@@ -6,7 +6,9 @@
 
 namespace tav {
 
-constexpr size_t WORKER_STACK_SIZE = 65536; // bytes, in ordinary builds
+// Bytes, in ordinary builds.
+constexpr size_t WORKER_STACK_SIZE = 65536;        // our own work
+constexpr size_t WORKER_STACK_LARGE = 1024 * 1024; // a library's, whose need we do not know
 
 // Runs work on a detached thread that sees no signal, with a stack of that size. 0, or -1 with
 // errno when it cannot start.

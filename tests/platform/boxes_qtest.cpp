@@ -132,6 +132,14 @@ private Q_SLOTS:
         QVERIFY(!wblock_is_blocked(window_.get()));
     }
 
+    void a_short_block_leaves_the_pointer_alone()
+    {
+        wblock(window_.get(), 1);
+        QCoreApplication::processEvents();
+        QCOMPARE(window_->cursor().shape(), Qt::ArrowCursor);
+        wblock(window_.get(), 0);
+    }
+
     void a_blocked_window_says_so_with_its_pointer()
     {
         QCOMPARE(window_->edit->cursor().shape(), Qt::IBeamCursor);
