@@ -2,6 +2,7 @@
 // cut.
 #include "commands/clip.h"
 #include "commands/clip_offer.h"
+#include "commands/clip_order.h"
 #include "commands/clip_read.h"
 #include "commands/transf_marks.h"
 
@@ -19,9 +20,10 @@ constexpr int FIRST_READ_MS = 30; // until then the display has the first frame 
 struct ClipState {
     unsigned turn = 0;                  // counts the changes of the clipboard
     bool reading = false;               // what it holds is not known yet
+    bool silent = false;                // and will not be: its owner does not answer
     std::unique_ptr<TransfFiles> files; // what it holds; null: no files
     TransfMarks marks;                  // of files, when they are a cut
-    std::function<void()> waiting;      // for the end of the reading
+    ClipWaiter waiter;                  // for the end of the reading
     void (*notify)() = nullptr;
     QTimer *gather = nullptr; // runs while names wait to be taken off the clipboard
     // What was taken out of the offer of that id, for one that comes back by another way: whoever
@@ -62,36 +64,48 @@ void x_forget_gone()
         state.gather->start();
 }
 
-void x_known(std::unique_ptr<TransfFiles> files)
+void x_answer(ClipAnswer answer)
+{
+    if (const ClipWaiter waiter = std::exchange(x_state().waiter, nullptr))
+        waiter(answer);
+}
+
+void x_known(ClipRead end, std::unique_ptr<TransfFiles> files)
 {
     ClipState &state = x_state();
     const bool marked_before = state.marks.left != 0;
     transf_marks_clear(state.marks);
     state.reading = false;
+    state.silent = end == ClipRead::silent;
     state.files = std::move(files);
     file_get_cut_files();
     x_forget_gone();
     if (state.notify && (marked_before || state.marks.left != 0))
         state.notify();
-    if (std::function<void()> waiting = std::exchange(state.waiting, nullptr))
-        waiting();
+    x_answer(state.silent ? ClipAnswer::silent : ClipAnswer::known);
+}
+
+void x_read()
+{
+    ClipState &state = x_state();
+    const unsigned turn = ++state.turn;
+    state.reading = true;
+    if (const auto *own = qobject_cast<const ClipOffer *>(
+            x_clipboard()->ownsClipboard() ? x_clipboard()->mimeData() : nullptr)) {
+        x_known(ClipRead::files, std::make_unique<TransfFiles>(own->files()));
+        return;
+    }
+    clip_read_start([turn](ClipRead end, std::unique_ptr<TransfFiles> files) {
+        if (turn == x_state().turn) // else it changed meanwhile and is read again
+            x_known(end, std::move(files));
+    });
 }
 
 void x_changed()
 {
-    ClipState &state = x_state();
-    const unsigned turn = ++state.turn;
-    state.gather->stop(); // what was to be taken off is no longer there
-    state.reading = true;
-    if (const auto *own = qobject_cast<const ClipOffer *>(
-            x_clipboard()->ownsClipboard() ? x_clipboard()->mimeData() : nullptr)) {
-        x_known(std::make_unique<TransfFiles>(own->files()));
-        return;
-    }
-    clip_read_start([turn](std::unique_ptr<TransfFiles> files) {
-        if (turn == x_state().turn) // else it changed meanwhile and is read again
-            x_known(std::move(files));
-    });
+    x_state().gather->stop();      // what was to be taken off is no longer there
+    x_answer(ClipAnswer::changed); // who waits meant what was there before
+    x_read();
 }
 
 // Only an X server tells a window without the focus of a change; elsewhere it looks when it gets
@@ -100,7 +114,7 @@ void x_active(Qt::ApplicationState state)
 {
     if (state == Qt::ApplicationActive && !x_clipboard()->ownsClipboard() &&
         QGuiApplication::platformName() != QLatin1String("xcb"))
-        x_changed();
+        x_read();
 }
 
 // Gives the clipboard what is left of the cut that it holds. Somebody else's cut stays whole until
@@ -133,24 +147,29 @@ void clip_setup()
     QObject::connect(qApp, &QGuiApplication::applicationStateChanged, qApp, x_active);
     state.reading = true;
     QTimer::singleShot(FIRST_READ_MS, qApp, [turn = state.turn] {
+        clip_order_setup();
         if (turn == x_state().turn)
-            x_changed();
+            x_read();
     });
 }
 
 void clip_put(std::shared_ptr<const FileListRecord> list, bool cut)
 {
     x_clipboard()->setMimeData(new ClipOffer(std::move(list), cut, transf_new_id()));
+    clip_order_is_ours();
 }
 
 const TransfFiles *clip_files() { return x_state().reading ? nullptr : x_state().files.get(); }
 
-void clip_when_known(std::function<void()> f)
+void clip_when_known(ClipWaiter waiter)
 {
-    if (x_state().reading)
-        x_state().waiting = std::move(f);
+    const ClipState &state = x_state();
+    if (clip_order_is_later())
+        waiter(ClipAnswer::changed);
+    else if (state.reading)
+        x_state().waiter = std::move(waiter);
     else
-        f();
+        waiter(state.silent ? ClipAnswer::silent : ClipAnswer::known);
 }
 
 void clip_set_notify(void (*notify)()) { x_state().notify = notify; }

@@ -25,9 +25,18 @@ void clip_put(std::shared_ptr<const FileListRecord> list, bool cut);
 // The files on the clipboard, null when it holds none. Good until the main loop runs again.
 const TransfFiles *clip_files();
 
-// Calls f as soon as what is on the clipboard is known: at once, or when the reading that is under
-// way ends. A later call replaces one that still waits.
-void clip_when_known(std::function<void()> f);
+// What became of the clipboard that somebody asked about.
+enum class ClipAnswer {
+    known,   // clip_files tells
+    changed, // something else was put there before it was known
+    silent,  // the program that owns it does not answer
+};
+using ClipWaiter = std::function<void(ClipAnswer answer)>;
+
+// Calls waiter as soon as what was on the clipboard at the key or click that is being dealt with is
+// known: at once, or when the reading that is under way ends, or when it is gone. One waits at a
+// time.
+void clip_when_known(ClipWaiter waiter);
 
 // Called when cut marks in the directory came or went.
 void clip_set_notify(void (*notify)());

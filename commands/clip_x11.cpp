@@ -35,7 +35,8 @@ struct Fetch {
     xcb_window_t window;
     xcb_atom_t clipboard, targets, incr, property;
     Clock::time_point end; // of all waiting
-    bool over;             // it came too late or too much: nothing more is asked
+    bool late;             // an answer did not come in time
+    bool over;             // that, or one was too much: nothing more is asked
 };
 
 xcb_atom_t x_atom(xcb_connection_t *server, const char *name)
@@ -52,7 +53,8 @@ Reply<xcb_generic_event_t> x_next_event(Fetch &fetch, Clock::time_point end)
         Reply<xcb_generic_event_t> event(xcb_poll_for_event(fetch.server));
         if (event)
             return event;
-        fetch.over = fetch.over || Clock::now() >= end;
+        fetch.late = fetch.late || Clock::now() >= end;
+        fetch.over = fetch.over || fetch.late;
         if (*fetch.cancel || fetch.over || xcb_connection_has_error(fetch.server))
             return nullptr;
         pollfd ready = {xcb_get_file_descriptor(fetch.server), POLLIN, 0};
@@ -157,16 +159,16 @@ int x_fetch_files(Fetch &fetch, TransfFiles &files)
         return std::find(offered.begin(), offered.end(), atom) != offered.end() &&
                x_convert(fetch, atom, bytes);
     };
-    return transf_take_from(get, files);
+    if (transf_take_from(get, files) == 0)
+        return 0;
+    return fetch.late ? CLIP_X11_SILENT : -1;
 }
 
 int x_fetch_on(xcb_connection_t *server, const std::atomic<bool> &cancel, TransfFiles &files)
 {
-    if (xcb_connection_has_error(server))
-        return -1;
     const xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(server)).data;
     const auto end = Clock::now() + std::chrono::milliseconds(CLIP_X11_TOTAL_MS);
-    Fetch fetch = {server, &cancel, xcb_generate_id(server), 0, 0, 0, 0, end, false};
+    Fetch fetch = {server, &cancel, xcb_generate_id(server), 0, 0, 0, 0, end, false, false};
     fetch.clipboard = x_atom(server, "CLIPBOARD");
     fetch.targets = x_atom(server, "TARGETS");
     fetch.incr = x_atom(server, "INCR");
@@ -178,12 +180,35 @@ int x_fetch_on(xcb_connection_t *server, const std::atomic<bool> &cancel, Transf
     return x_fetch_files(fetch, files);
 }
 
+void x_send(xcb_connection_t *server, ClipX11Note &note)
+{
+    xcb_client_message_event_t event = {};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = note.window;
+    event.type = x_atom(server, "TAV_CLIPBOARD");
+    event.data.data32[0] = note.number;
+    // Without a mask it goes to whoever made the window. The answer is waited for: a connection
+    // that closes with something unread loses what the server has not read yet.
+    auto cookie = xcb_send_event_checked(server, 0, note.window, XCB_EVENT_MASK_NO_EVENT,
+                                         reinterpret_cast<const char *>(&event));
+    const Reply<xcb_generic_error_t> error(xcb_request_check(server, cookie));
+    note.sent = !error && !xcb_connection_has_error(server);
+}
+
 } // namespace
 
-int clip_x11_fetch(const char *display, const std::atomic<bool> &cancel, TransfFiles &files)
+int clip_x11_fetch(const char *display, const std::atomic<bool> &cancel, TransfFiles &files,
+                   ClipX11Note &note)
 {
+    note.sent = false;
     xcb_connection_t *server = xcb_connect(display, nullptr);
-    const int result = x_fetch_on(server, cancel, files);
+    int result = -1;
+    if (!xcb_connection_has_error(server)) {
+        result = x_fetch_on(server, cancel, files);
+        if (note.window != 0)
+            x_send(server, note);
+    }
     xcb_disconnect(server);
     return result;
 }

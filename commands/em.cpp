@@ -49,19 +49,6 @@ void x_start_delete(const std::shared_ptr<FileListRecord> &list, bool one_dir)
     _file_op(FOP_DELETE, std::move(*list), "");
 }
 
-void x_paste(const std::string &destination)
-{
-    const TransfFiles *files = clip_files();
-    if (files == nullptr)
-        return;
-    const int op = files->cut ? FOP_MOVE : FOP_COPY;
-    std::vector<FileListRecord> lists; // a job may change the clipboard
-    for (const FileListRecord &list : files->lists)
-        if (destination != list.directory)
-            lists.push_back(transf_own(list));
-    file_op_all(op, std::move(lists), destination);
-}
-
 } // namespace
 
 int em_setup(QMenu *menu)
@@ -94,13 +81,6 @@ int em_cut(QWidget *widget)
 {
     must_be_moved = true;
     return em_copy(widget);
-}
-
-int em_paste(QWidget *)
-{
-    if (gDir.has_path)
-        clip_when_known([destination = gDir.path] { x_paste(destination); });
-    return W_CONTINUE;
 }
 
 int em_delete(QWidget *)

@@ -81,6 +81,7 @@ put_form() {
 
 # own FORM=FILE...: as a program does that knows several forms, see clip_owner.cpp.
 own() {
+    rm -f "$work/owner" # what the last one said
     "$(dirname "$TAV")/tests/clip_owner" "$@" >"$work/owner" &
     owner_pid=$!
     pids+=("$owner_pid")
@@ -97,10 +98,10 @@ paste_into() {
 
 # keys_are_done PID: what was typed into it before has been dealt with: the keyboard moves its cursor.
 keys_are_done() {
-    keys End
-    wait_for "the cursor goes to the last row" focused_not "$1" ..
+    keys Home Down
+    wait_for "the cursor goes to the first entry" focused_not "$1" ..
     keys Home
-    wait_for "the cursor goes to the first row" focused_is "$1" ..
+    wait_for "the cursor goes back" focused_is "$1" ..
 }
 focused_in() { look "$1" | sed -n 's/^ *list item "\([^"]*\)".*\[focused\].*/\1/p'; }
 focused_is() { [ "$(focused_in "$1")" = "$2" ]; }
