@@ -65,6 +65,13 @@ void x_end_program() { x_call(gSlotHooks.exit, x_exit); }
 // The pane that a button of a slot stands in.
 QWidget *x_pane(QWidget *button) { return button ? button->parentWidget() : nullptr; }
 
+// While it is asked whether the job is to end, that alone decides whether it goes on.
+void x_enable_buttons(QWidget *pane, bool on)
+{
+    for (const char *name : {"slot_pause", "cancel_button"})
+        pane->findChild<QWidget *>(QString::fromLatin1(name))->setEnabled(on);
+}
+
 } // namespace
 
 SlotHooks gSlotHooks;
@@ -192,16 +199,17 @@ int slot_cancel_cb(QWidget *button)
     int before = 0;
     if (!slot_with_job(pane, [&](FileOp &job) { before = job.pause.exchange(1); }))
         return W_CONTINUE;
-    button->setEnabled(false); // one question is enough
+    x_enable_buttons(pane, false);
     const WQuestion question = {QStringLiteral("File Operation"),
                                 QStringLiteral("Do you want to terminate this operation ? "),
                                 {QStringLiteral("&Yes"), QStringLiteral("&No")},
                                 1,
                                 2};
-    auto answered = [pane, before](int answer) {
+    auto answered = [pane, before, button](int answer) {
         if (!pane)
             return;
-        pane->findChild<QWidget *>(QStringLiteral("cancel_button"))->setEnabled(true);
+        x_enable_buttons(pane, true);
+        button->setFocus(); // where it was
         bool there = slot_with_job(pane, [&](FileOp &job) {
             job.abort = job.abort || answer == 1;
             job.pause = before;

@@ -11,6 +11,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QPainter>
 #include <QScreen>
 #include <QScrollBar>
 #include <QStyle>
@@ -19,6 +20,8 @@ namespace tav {
 namespace {
 
 constexpr int SLOT_LINE_CHARACTERS = 62; // of a from or to line; labels and a shortened path fit in
+
+constexpr int LINE_ALPHA = 48; // of the text's colour, in the lines between slots
 
 // Closing it minimises it: the operations go on, and stay within reach.
 class SlotsWindow : public QWidget {
@@ -54,12 +57,44 @@ void x_make_window()
     wtimer_attach(sWindow, SLOT_TIMER_MS, [](QObject *) { slot_timer(); });
 }
 
-// A line of a slot keeps its room whatever it says; what does not fit is cut in the middle.
-void x_set_line(QLabel *label, const std::string &text)
+// One slot; a thin line, to be seen on dark windows too, parts it from the one above.
+class SlotPane : public QFrame {
+public:
+    using QFrame::QFrame;
+
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        QFrame::paintEvent(event);
+        if (y() == 0)
+            return;
+        QColor line = palette().color(QPalette::WindowText);
+        line.setAlpha(LINE_ALPHA);
+        QPainter(this).fillRect(0, 0, width(), 1, line);
+    }
+    void moveEvent(QMoveEvent *) override { update(); } // it may be the first now
+};
+
+// What stands before the path of a line: "From: ". In pixels.
+int x_word_width(const QLabel *label, const std::string &text)
 {
+    const size_t colon = text.find(": ");
+    if (colon == std::string::npos)
+        return 0;
+    return label->fontMetrics().horizontalAdvance(shown_text(text.substr(0, colon + 2)));
+}
+
+// A line of a slot keeps its room whatever it says; what does not fit is cut in the middle. Its
+// path begins where that of the other line does, whose word is that wide.
+void x_set_line(QLabel *label, const std::string &text, int other_word)
+{
+    const int word = x_word_width(label, text);
+    const int indent = word > 0 ? std::max(other_word - word, 0) : 0;
     const QString full = shown_text(text);
     const QString shown = shown_text(shrink_name(text, FOP_NAME_SHOWN));
-    label->setText(label->fontMetrics().elidedText(shown, Qt::ElideMiddle, label->width()));
+    label->setIndent(indent);
+    label->setText(
+        label->fontMetrics().elidedText(shown, Qt::ElideMiddle, label->width() - indent));
     label->setToolTip(full == label->text() ? QString() : full.toHtmlEscaped());
     label->setAccessibleDescription(full);
 }
@@ -151,8 +186,9 @@ void slot_show(const SlotWidgets &widgets, const SlotShown &shown)
 {
     auto label = [](void *widget) { return static_cast<QLabel *>(widget); };
     label(widgets.slot_header_text)->setText(shown_text(shown.title));
-    x_set_line(label(widgets.slot_from_text), shown.from);
-    x_set_line(label(widgets.slot_to_text), shown.to);
+    QLabel *from = label(widgets.slot_from_text), *to = label(widgets.slot_to_text);
+    x_set_line(from, shown.from, x_word_width(to, shown.to));
+    x_set_line(to, shown.to, x_word_width(from, shown.from));
     label(widgets.slot_n_text)
         ->setText(QString::fromStdString(fop_count_text(shown.n_done, shown.n_items)));
     label(widgets.slot_time_text)->setText(QString::fromStdString(fop_time_text(shown.seconds)));
@@ -166,7 +202,7 @@ bool slot_window_add(SlotWidgets &slot)
     const bool first = !sWindow;
     if (first)
         x_make_window();
-    auto *pane = new QFrame(sHolder->widget());
+    auto *pane = new SlotPane(sHolder->widget());
     Ui::slot form;
     form.setupUi(pane);
     x_set_up(form, pane);

@@ -17,6 +17,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <cerrno>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -85,6 +86,20 @@ class SlotTest : public QObject {
     {
         const std::string source = path("src"), to = op == FOP_DELETE ? "" : path(dest);
         return fop_start_cmd(op, source.c_str(), 1, &name, to.c_str());
+    }
+    // What f writes on standard error.
+    QByteArray said_on_stderr(const std::function<void()> &f) const
+    {
+        const int before = ::dup(STDERR_FILENO);
+        const int out = ::open(path("stderr").c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0600);
+        ::dup2(out, STDERR_FILENO);
+        f();
+        const int error = errno;
+        ::dup2(before, STDERR_FILENO);
+        ::close(before);
+        ::close(out);
+        errno = error;
+        return read("stderr");
     }
     void wait_all_gone() { QTRY_VERIFY_WITH_TIMEOUT(slot_count() == 0 && !window(), 20000); }
 
@@ -181,7 +196,8 @@ private Q_SLOTS:
         for (int i = 0; i < SLOT_MAX; i++)
             QCOMPARE(start(FOP_COPY, "a"), 0);
         errno = 0;
-        QCOMPARE(start(FOP_COPY, "b"), -1);
+        QCOMPARE(said_on_stderr([&] { QCOMPARE(start(FOP_COPY, "b"), -1); }),
+                 QByteArray("failed to start operation!\n: Cannot allocate memory\n"));
         QCOMPARE(errno, ENOMEM);
         QCOMPARE(slot_count(), SLOT_MAX);
         QCOMPARE(boxes_standing().size(), 1);
@@ -296,7 +312,13 @@ private Q_SLOTS:
         int state = -1;
         slot_with_job(pane, [&](FileOp &job) { state = job.pause; });
         QCOMPARE(state, 1);
+        QTest::mouseClick(part<QPushButton>(pane, "slot_pause"), Qt::LeftButton);
+        QTest::mouseClick(part<QPushButton>(pane, "cancel_button"), Qt::LeftButton);
+        slot_with_job(pane, [&](FileOp &job) { state = job.pause; });
+        QCOMPARE(state, 1); // the question alone decides
+        QCOMPARE(boxes_standing().size(), 1);
         QTest::mouseClick(boxes_button(box, QStringLiteral("&No")), Qt::LeftButton);
+        QCOMPARE(part<QPushButton>(pane, "slot_pause")->isChecked(), paused);
         slot_with_job(pane, [&](FileOp &job) {
             state = job.pause;
             QCOMPARE(job.abort.load(), 0);
