@@ -28,6 +28,9 @@ int delete_active = 0;
 int delete_abort = 0;
 int delete_folders = 0;
 std::string delete_msg;
+int copy_active = 0;
+int copy_abort = 0;
+std::string copy_msg;
 
 namespace {
 
@@ -267,7 +270,7 @@ int delete_one(const std::string &path)
 
 int delete_tree(const std::string &path, const struct stat &info)
 {
-    if (delete_abort == 1)
+    if (delete_abort == 1 || (copy_active && copy_abort == 1))
         return -1;
     x_show(x_text("txt_008", path));
     const bool is_dir = S_ISDIR(info.st_mode);
@@ -275,8 +278,9 @@ int delete_tree(const std::string &path, const struct stat &info)
         x_pending();
         return 0;
     }
-    delete_msg = x_text(is_dir ? "txt_012" : "txt_010", path, errno);
-    errinfo(path, is_dir ? "rmdir()" : "unlink()");
+    (copy_active ? copy_msg : delete_msg) = x_text(is_dir ? "txt_012" : "txt_010", path, errno);
+    if (!copy_active)
+        errinfo(path, is_dir ? "rmdir()" : "unlink()");
     return -1;
 }
 
@@ -287,6 +291,7 @@ QWidget *delete_setup()
         return nullptr;
     sNeighbour = x_neighbour();
     delete_abort = delete_active = delete_folders = 0;
+    copy_abort = copy_active = 0;
     delete_msg.clear();
     auto *dialog = new DeleteDialog(gBase);
     sDialog = dialog;

@@ -29,6 +29,11 @@ extern int delete_abort;       // the user asked to stop
 extern int delete_folders;     // directories go with their contents
 extern std::string delete_msg; // why the loop stopped
 
+// For a copy that has delete_tree clear its way: it is told what failed instead of the user.
+extern int copy_active;      // such a copy runs
+extern int copy_abort;       // and is to stop
+extern std::string copy_msg; // what could not be removed
+
 constexpr size_t DELETE_NAMES_SIZE = 256; // the list of names stays under so many bytes
 
 // Opens the dialog; null without selected entries.

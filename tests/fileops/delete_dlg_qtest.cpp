@@ -137,6 +137,7 @@ private Q_SLOTS:
                  QStringLiteral("Are you sure you want to delete these 2 items?"));
         QCOMPARE(text("del_files"), QStringLiteral("a, b"));
         QVERIFY(!part<QCheckBox>("del_folders")->isEnabled());
+        QCOMPARE(dialog_->focusWidget(), part<QPushButton>("del_yes"));
         click("del_no");
         QVERIFY(exists("a"));
     }
@@ -253,6 +254,35 @@ private Q_SLOTS:
         QCOMPARE(seen->text,
                  QStringLiteral("Can't delete '%1'\nunlink(): No such file or directory\n")
                      .arg(QString::fromStdString(path("folder/below/x"))));
+    }
+
+    void a_copy_is_told_what_was_in_its_way()
+    {
+        struct stat info;
+        QVERIFY(::lstat(path("folder").c_str(), &info) == 0);
+        copy_active = 1;
+        QCOMPARE(delete_tree(path("folder"), info), -1); // no box stands, or this would wait
+        QCOMPARE(QString::fromStdString(copy_msg),
+                 QStringLiteral("Unable to remove folder '%1'.\nDirectory not empty.")
+                     .arg(QString::fromStdString(path("folder"))));
+        QVERIFY(::lstat(path("a").c_str(), &info) == 0);
+        copy_abort = 1;
+        QCOMPARE(delete_tree(path("a"), info), -1);
+        QVERIFY(exists("a"));
+        copy_active = 0;
+        QCOMPARE(delete_tree(path("a"), info), 0);
+        QVERIFY(!exists("a"));
+        copy_abort = 0;
+    }
+
+    void the_bar_shows_the_share_that_is_gone()
+    {
+        select({"a", "b", "folder"});
+        part<QCheckBox>("del_folders")->setChecked(true);
+        int shown = -1;
+        sOnVisit = [&] { shown = part<QProgressBar>("progress_bar")->value(); };
+        click("del_yes");
+        QVERIFY2(shown == 0 || shown == 66, "before or after the two files, as the list is sorted");
     }
 };
 
