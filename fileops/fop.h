@@ -108,13 +108,13 @@ struct FopAlert {
 
 // New contents for a slot; a null text leaves what is there.
 struct FopUpdate {
-    const char *title = nullptr;
-    const char *from_label = nullptr;
+    const char *title = nullptr;      // of the slot: "Copying"
+    const char *from_label = nullptr; // stands before from_name; null: nothing does
     const char *from_name = nullptr;
-    const char *to_label = nullptr;
+    const char *to_label = nullptr; // the same for the second line
     const char *to_name = nullptr;
-    int percent = FOP_PERCENT_KEEP;
-    int64_t seconds = FOP_TIME_FIRST;
+    int percent = FOP_PERCENT_KEEP;   // 0 to 100, or one of the above
+    int64_t seconds = FOP_TIME_FIRST; // left, or one of the above
 };
 
 // A place for a copied file that the user named himself: relative to a directory that the answer
@@ -155,30 +155,30 @@ struct FopDirs; // the worker's open directories (fop_dirs.h)
 
 // One job. The worker's, but for `abort`, `pause` and `progress`.
 struct FileOp {
-    pthread_t thread{};
+    pthread_t thread{};        // the worker, once it runs
     std::atomic<int> abort{0}; // non-zero: stop as soon as possible
     std::atomic<int> pause{0}; // non-zero: stand still
-    int op = FOP_COPY;
-    uint32_t flags = 0;
-    std::string dest;    // destination directory, or the single item's new name
-    int buf_size = 0;    // bytes
-    char *buf = nullptr; // the copy buffer
-    size_t src_len = 0;  // bytes of a source path that are cut off to form the path below dest
-    int n_groups = 0;
-    DirGroup **groups = nullptr;
-    size_t room_groups = 1;  // slots in groups
-    int64_t n_items = 0;     // names given, and one for every entry found while scanning
-    int64_t total_bytes = 0; // sizes of all items
-    int64_t n_done = 0;      // items processed
-    int64_t done_bytes = 0;  // bytes accounted
-    timespec start_time{};   // of the first estimate of the time left; zero before
-    SlotWidgets slot{};
-    AllocPool *pool = nullptr; // names, groups, buffer
-    FopDone on_done = nullptr; // may be null
-    const FopReport *report = nullptr;
-    void *context = nullptr; // for the report's functions
-    FopProgress progress;
-    std::unique_ptr<FopDirs> dirs;
+    int op = FOP_COPY;         // FOP_COPY, FOP_MOVE or FOP_DELETE
+    uint32_t flags = 0;        // FOP_MAKE_DEST and so on; answers add to them
+    std::string dest;          // destination directory, or the single item's new name
+    int buf_size = 0;          // bytes
+    char *buf = nullptr;       // the copy buffer
+    size_t src_len = 0; // bytes of a source path that are cut off to form the path below dest
+    int n_groups = 0;   // in use
+    DirGroup **groups = nullptr;       // the file list; the scan adds a group for each directory
+    size_t room_groups = 1;            // slots in groups
+    int64_t n_items = 0;               // names given, and one for every entry found while scanning
+    int64_t total_bytes = 0;           // sizes of all items
+    int64_t n_done = 0;                // items processed
+    int64_t done_bytes = 0;            // bytes accounted
+    timespec start_time{};             // of the first estimate of the time left; zero before
+    SlotWidgets slot{};                // where its progress is shown
+    AllocPool *pool = nullptr;         // names, groups, buffer
+    FopDone on_done = nullptr;         // may be null
+    const FopReport *report = nullptr; // how it asks and tells
+    void *context = nullptr;           // for the report's functions
+    FopProgress progress;              // what its slot shows
+    std::unique_ptr<FopDirs> dirs;     // gone when the work is done
 
     FileOp();
     ~FileOp();

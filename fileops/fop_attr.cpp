@@ -40,11 +40,6 @@ int x_names(int from, std::vector<char> &list)
     return length >= 0 || fop_cannot_hold(errno) ? 0 : -1;
 }
 
-bool x_has_owner(const struct stat &made, const struct stat &want)
-{
-    return made.st_uid == want.st_uid && made.st_gid == want.st_gid;
-}
-
 bool x_set_owner(int fd, const struct stat &want)
 {
     return fop_retry([&] {
@@ -62,6 +57,11 @@ mode_t x_final_mode(const FopTarget &target, bool owner)
 }
 
 } // namespace
+
+bool fop_has_owner(const struct stat &made, const struct stat &source)
+{
+    return made.st_uid == source.st_uid && made.st_gid == source.st_gid;
+}
 
 bool fop_cannot_hold(int error)
 {
@@ -120,7 +120,7 @@ int x_set_mode(int fd, mode_t mode)
 int fop_copy_attributes(const FopItem &item, int from, const FopTarget &target, bool &owner)
 {
     bool in_place = target.way == FopTarget::IN_PLACE;
-    const bool had_owner = x_has_owner(target.made, item.status);
+    const bool had_owner = fop_has_owner(target.made, item.status);
     owner = had_owner || x_set_owner(target.fd, item.status);
     int acl_from = in_place ? FOP_ACL_NONE : target.replace ? target.old_fd : from;
     int set = fop_copy_xattrs(from, target.fd, acl_from);

@@ -122,9 +122,7 @@ int x_sync_dest(FileOp *job)
     if (fd == -1)
         return 0;
     int result = fop_retry([&] { return gFopSys.syncfs(fd); });
-    int error = errno;
-    gFopSys.close(fd);
-    errno = error;
+    fop_close(fd);
     return result;
 }
 

@@ -28,6 +28,10 @@ struct FopItem {
 // "Can't copy file(s) into itself."
 FopCopied fop_refuse_itself(const FopItem &item);
 
+// The questions for a source that cannot be read and a destination that cannot be written.
+FopCopied fop_read_failed(const FopItem &item, int error);
+FopCopied fop_write_failed(const FopItem &item, int error);
+
 FopCopied fop_copy_regular(FopItem &item); // fop_file.cpp
 int fop_open_source(
     FopItem &item); // a regular file, whose status is then the truth: 0, or -1 with errno
@@ -87,6 +91,9 @@ int fop_copy_attributes(const FopItem &item, int from, const FopTarget &target, 
 // errno.
 constexpr int FOP_ACL_NONE = -1; // the access list stays as it is
 int fop_copy_xattrs(int from, int to, int acl_from);
+
+// Whether what was made belongs to the source's owner and group.
+bool fop_has_owner(const struct stat &made, const struct stat &source);
 
 // What the target cannot hold, or this user may not set there, is no failure of a copy.
 bool fop_cannot_hold(int error);

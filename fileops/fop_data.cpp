@@ -1,22 +1,19 @@
 // The content of a file: cloned, else copied inside the kernel, else read and written; holes stay
 // holes. Abort and pause are looked at before every chunk, which is never more than 8 MiB or, as
-// far as the last one tells, 50 ms.
+// far as the last ones tell, 50 ms.
 #include "fileops/fop_copy.h"
 
 #include "fileops/fop_sys.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 
 namespace tav {
 namespace {
 
-constexpr size_t CHUNK_FIRST = 1 << 20; // bytes
-constexpr size_t CHUNK_MAX = 8 << 20;
-constexpr size_t CHUNK_MIN = 64 << 10;
+constexpr size_t CHUNK_MAX = 8 << 20;    // bytes
 constexpr double CHUNK_SECONDS = 0.05;   // no chunk should take longer
 constexpr size_t BIG_BUFFER = 256 << 10; // for large files that must be read and written
 constexpr off_t BIG_FILE = 1 << 20;      // from here on a file is large
@@ -28,8 +25,7 @@ struct Data {
     FopTarget &target;
     int from;
     int64_t copied = 0; // bytes written; holes not counted
-    size_t chunk = CHUNK_FIRST;
-    bool by_range; // copying inside the kernel is worth a try
+    bool by_range;      // copying inside the kernel is worth a try
     char *buffer;
     size_t buffer_size;
 };
@@ -51,18 +47,6 @@ FopCopied x_ask_no_space(const FopItem &item)
     if (answer == 3)
         item.job->abort = 1;
     return answer == 1 ? FOP_COPIED : answer == 3 ? FOP_END : FOP_SKIPPED;
-}
-
-FopCopied x_write_failed(const FopItem &item, int error)
-{
-    return fop_ask_error(item.job, "Error writing '%s'\n%s\n", item.dest.c_str(),
-                         std::strerror(error));
-}
-
-FopCopied x_read_failed(const FopItem &item, int error)
-{
-    return fop_ask_error(item.job, "Error reading '%s'\n%s\n", item.source.c_str(),
-                         std::strerror(error));
 }
 
 // Whether the error says that the kernel's own copying is of no use here at all.
@@ -117,41 +101,44 @@ FopCopied x_by_buffer(Data &data, off_t limit)
         size_t size = std::min<off_t>(limit, static_cast<off_t>(data.buffer_size));
         ssize_t n = fop_retry([&] { return gFopSys.read(data.from, data.buffer, size); });
         if (n == -1)
-            return x_read_failed(item, errno);
+            return fop_read_failed(item, errno);
         if (n == 0)
             return FOP_COPIED;
         ssize_t written = _write(data, data.buffer, static_cast<size_t>(n));
         if (written == -2)
             return FOP_SKIPPED;
         if (written == -1)
-            return item.job->abort ? FOP_END : x_write_failed(item, errno);
+            return item.job->abort ? FOP_END : fop_write_failed(item, errno);
         limit -= n;
         x_show(data);
     }
     return FOP_COPIED;
 }
 
-void x_adapt_chunk(Data &data, const timespec &before)
+// A chunk, or less that was left, took so long: so the next, of whatever file, is larger or
+// smaller.
+void x_adapt_chunk(size_t &chunk, size_t copied, const timespec &before)
 {
     timespec after;
     clock_gettime(CLOCK_MONOTONIC, &after);
     double seconds = static_cast<double>(after.tv_sec - before.tv_sec) +
                      static_cast<double>(after.tv_nsec - before.tv_nsec) / 1e9;
     if (seconds > CHUNK_SECONDS / 2)
-        data.chunk = std::max(data.chunk / 2, CHUNK_MIN);
-    else if (seconds < CHUNK_SECONDS / 8)
-        data.chunk = std::min(data.chunk * 2, CHUNK_MAX);
+        chunk = std::max(chunk / 2, FOP_CHUNK_MIN);
+    else if (seconds < CHUNK_SECONDS / 8 && copied == chunk)
+        chunk = std::min(chunk * 2, CHUNK_MAX);
 }
 
 // Copies up to limit bytes inside the kernel; limit becomes what is left for reading and writing.
 FopCopied x_by_range(Data &data, off_t &limit)
 {
+    size_t &chunk = data.item.job->dirs->chunk;
     while (limit > 0 && data.by_range) {
         if (fop_stopped(data.item.job))
             return FOP_END;
         timespec before;
         clock_gettime(CLOCK_MONOTONIC, &before);
-        size_t size = std::min<off_t>(limit, static_cast<off_t>(data.chunk));
+        size_t size = std::min<off_t>(limit, static_cast<off_t>(chunk));
         ssize_t n = fop_retry([&] { return gFopSys.copy_range(data.from, data.target.fd, size); });
         if (n == -1 && errno == ENOSPC) {
             FopCopied answer = x_ask_no_space(data.item);
@@ -167,7 +154,7 @@ FopCopied x_by_range(Data &data, off_t &limit)
         }
         limit -= n;
         data.copied += n;
-        x_adapt_chunk(data, before);
+        x_adapt_chunk(chunk, static_cast<size_t>(n), before);
         x_show(data);
     }
     return FOP_COPIED;
@@ -218,10 +205,10 @@ FopCopied x_copy_sparse(Data &data)
     if (found == 0) {
         if (fop_retry([&] { return gFopSys.ftruncate(data.target.fd, size); }) == 0)
             return FOP_COPIED;
-        return x_write_failed(data.item, errno);
+        return fop_write_failed(data.item, errno);
     }
     if (!x_seek_both(data, at)) // what holes there are cannot be told: the rest is content
-        return x_read_failed(data.item, errno);
+        return fop_read_failed(data.item, errno);
     return x_copy_part(data, TO_THE_END);
 }
 
@@ -272,13 +259,12 @@ FopCopied fop_copy_data(FopItem &item, int from, FopTarget &target)
     x_choose_buffer(data);
     if (status.st_size >= BIG_FILE)
         (void)::posix_fadvise(from, 0, 0, POSIX_FADV_SEQUENTIAL);
-    if (!in_place && status.st_blocks * 512 < status.st_size && status.st_size > 0) {
+    if (!in_place && status.st_blocks * 512 < status.st_size && status.st_size > 0)
         return x_copy_sparse(data);
-    }
     FopCopied result = x_copy_part(data, TO_THE_END);
     // An empty file leaves nothing of the old content either.
     if (result == FOP_COPIED && x_begin_in_place(target) == -1)
-        return x_write_failed(item, errno);
+        return fop_write_failed(item, errno);
     return result;
 }
 

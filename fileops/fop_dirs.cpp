@@ -20,14 +20,6 @@ int x_open(int dir, const char *path, int flags)
     return fop_retry([&] { return gFopSys.openat(dir, path, flags, 0); });
 }
 
-// Closes what cannot hold unwritten data, keeping errno.
-void x_close(int fd)
-{
-    int error = errno;
-    gFopSys.close(fd);
-    errno = error;
-}
-
 const FopId &x_id(const DirGroup &group, FopSide side)
 {
     return side == FOP_SOURCE ? group.id : group.dest_id;
@@ -40,12 +32,12 @@ int x_verified(int fd, const FopId &expected)
     if (fd == -1)
         return -1;
     if (gFopSys.fstat(fd, &status) == -1) {
-        x_close(fd);
+        fop_close(fd);
         return -1;
     }
     if (fop_id(status) == expected)
         return fd;
-    x_close(fd);
+    fop_close(fd);
     errno = ESTALE;
     return -1;
 }
@@ -100,8 +92,7 @@ int x_keep(FopDirs &dirs, FopSide side, int group, int fd)
         if (open.fd == -1 || (oldest->fd != -1 && open.used < oldest->used))
             oldest = &open;
     }
-    if (oldest->fd != -1)
-        x_close(oldest->fd);
+    fop_close(oldest->fd);
     *oldest = {group, fd, ++dirs.turn};
     return fd;
 }
@@ -136,17 +127,13 @@ int x_open_parent(FileOp *job, FopSide side, int number)
 FopDirs::~FopDirs()
 {
     for (auto &side : open) {
-        for (Open &entry : side) {
-            if (entry.fd != -1)
-                gFopSys.close(entry.fd);
-        }
+        for (Open &entry : side)
+            fop_close(entry.fd);
     }
-    for (int fd : root) {
-        if (fd != -1)
-            gFopSys.close(fd);
-    }
+    for (int fd : root)
+        fop_close(fd);
     if (base != AT_FDCWD)
-        gFopSys.close(base);
+        fop_close(base);
 }
 
 std::unique_ptr<FopDirs> fop_dirs_new(const FileOp &job)
@@ -198,9 +185,7 @@ const char *fop_dest_name(const FileOp *job, int group, const char *name)
 {
     if (group == 0 && job->dirs->single)
         return job->dirs->dest_name.c_str();
-    while (*name == '/')
-        name++;
-    return name;
+    return fop_source_name(name);
 }
 
 void fop_group_dir(const FileOp *job, int group, std::string &out)
@@ -263,11 +248,11 @@ bool fop_is_above_dest(FileOp *job, const FopId &id)
             dirs.above.push_back(fop_id(status));
             int up = x_open(at, "..", OPEN_PATH);
             if (at != root)
-                x_close(at);
+                fop_close(at);
             at = up;
         }
-        if (at != -1 && at != root)
-            x_close(at);
+        if (at != root)
+            fop_close(at);
     }
     return std::find(dirs.above.begin(), dirs.above.end(), id) != dirs.above.end();
 }

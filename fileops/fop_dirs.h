@@ -14,10 +14,12 @@ enum FopSide { FOP_SOURCE, FOP_DEST };
 constexpr int FOP_DIRS_KEPT =
     6; // open directories per side; 50 jobs have to share 1,024 descriptors
 
+constexpr size_t FOP_CHUNK_MIN = 64 << 10; // bytes of the smallest chunk copied inside the kernel
+
 struct FopDirs {
     struct Open {
-        int group = -1;
-        int fd = -1;
+        int group = -1;    // whose directory it is
+        int fd = -1;       // -1 while there is none
         unsigned used = 0; // turn of the last use
     };
     int base = -100; // AT_FDCWD, or the current directory at the start when a path is relative
@@ -35,9 +37,10 @@ struct FopDirs {
     bool no_unnamed = false;  // the destination cannot hold unnamed files
     bool no_clone = false;    // cloning between the two sides does not work
     bool no_range = false;    // nor does copying inside the kernel
-    char *big_buffer = nullptr; // for large files, made when the first is met
-    FopId swept;                // the directory last looked through for left hidden siblings
-    bool other_fs = false;      // something was written outside the destination's own file system
+    size_t chunk = FOP_CHUNK_MIN; // of the next copy inside the kernel, as the last ones tell
+    char *big_buffer = nullptr;   // for large files, made when the first is met
+    FopId swept;                  // the directory last looked through for left hidden siblings
+    bool other_fs = false;        // something was written outside the destination's own file system
 
     ~FopDirs();
 };

@@ -11,12 +11,6 @@
 namespace tav {
 namespace {
 
-FopCopied x_write_failed(const FopItem &item, int error)
-{
-    return fop_ask_error(item.job, "Error writing '%s'\n%s\n", item.dest.c_str(),
-                         std::strerror(error));
-}
-
 // A moved source that changed under the copy is not what was copied: it stays.
 FopCopied x_check_unchanged(const FopItem &item, int from)
 {
@@ -26,8 +20,7 @@ FopCopied x_check_unchanged(const FopItem &item, int from)
         error = EBUSY;
     if (error == 0)
         return FOP_COPIED;
-    return fop_ask_error(item.job, "Error reading '%s'\n%s\n", item.source.c_str(),
-                         std::strerror(error));
+    return fop_read_failed(item, error);
 }
 
 // Something took the name while the copy ran: asked about like any existing file.
@@ -52,7 +45,7 @@ FopCopied x_commit(FopItem &item, FopTarget &target, bool placed)
         if (placed)
             return FOP_SKIPPED; // nothing is replaced there, and nothing more is asked
         if (errno != EEXIST || target.replace)
-            return x_write_failed(item, errno);
+            return fop_write_failed(item, errno);
         FopCopied answer = x_ask_taken(item, target);
         if (answer != FOP_COPIED)
             return answer;
@@ -66,7 +59,7 @@ FopCopied x_complete(const FopItem &item, int from, FopTarget &target, bool &own
     if (fop_copy_attributes(item, from, target, owner) == 0)
         return FOP_COPIED;
     target.wrote = false; // in place, the content is all there: it stays
-    return x_write_failed(item, errno);
+    return fop_write_failed(item, errno);
 }
 
 // Everything after the source is open. placed: to where the user said in place of a name too long.
@@ -76,7 +69,7 @@ FopCopied x_copy_open(FopItem &item, int from, bool placed)
     if (fop_target_open(item, target) == -1) {
         int error = errno;
         fop_target_drop(item, target);
-        return placed ? FOP_SKIPPED : x_write_failed(item, error);
+        return placed ? FOP_SKIPPED : fop_write_failed(item, error);
     }
     if (target.made.st_dev != item.job->dirs->dest_dev)
         item.job->dirs->other_fs = true;
@@ -90,8 +83,8 @@ FopCopied x_copy_open(FopItem &item, int from, bool placed)
         result = x_commit(item, target, placed);
     if (result != FOP_COPIED)
         fop_target_drop(item, target);
-    else if (target.old_fd != -1)
-        gFopSys.close(target.old_fd);
+    else
+        fop_close(target.old_fd);
     return result == FOP_COPIED && !owner ? fop_ask_owner(item) : result;
 }
 
@@ -116,8 +109,7 @@ FopCopied x_copy_elsewhere(FopItem &item, int from)
     item.dest = place.name;
     item.exists = false;
     FopCopied result = item.to_dir == -1 ? FOP_SKIPPED : x_copy_open(item, from, true);
-    if (place.dir_fd != -1)
-        gFopSys.close(place.dir_fd);
+    fop_close(place.dir_fd);
     item.to_dir = -1;
     item.to = "";
     return result;
@@ -153,8 +145,7 @@ FopCopied fop_copy_regular(FopItem &item)
     if (item.exists && fop_id(item.dest_status) == fop_id(item.status))
         return fop_refuse_itself(item);
     if (item.exists) {
-        if (item.from_fd != -1) // what it is counts when the question is answered
-            gFopSys.close(item.from_fd);
+        fop_close(item.from_fd); // what it is counts when the question is answered
         item.from_fd = -1;
         FopCopied answer = fop_ask_overwrite(item);
         if (answer != FOP_COPIED)

@@ -29,6 +29,18 @@ FopCopied fop_refuse_itself(const FopItem &item)
     return FOP_END;
 }
 
+FopCopied fop_read_failed(const FopItem &item, int error)
+{
+    return fop_ask_error(item.job, "Error reading '%s'\n%s\n", item.source.c_str(),
+                         std::strerror(error));
+}
+
+FopCopied fop_write_failed(const FopItem &item, int error)
+{
+    return fop_ask_error(item.job, "Error writing '%s'\n%s\n", item.dest.c_str(),
+                         std::strerror(error));
+}
+
 FopCopied fop_ask_overwrite(const FopItem &item)
 {
     if (item.job->flags & FOP_OVERWRITE)
@@ -197,8 +209,7 @@ FopCopied fop_copy_file(FileOp *job, int group, int i, const std::string &dir)
     item.item = i;
     x_locate(item, dir);
     FopCopied result = x_copy(item);
-    if (item.from_fd != -1)
-        gFopSys.close(item.from_fd);
+    fop_close(item.from_fd);
     uint64_t *stamps = job->groups[group]->stamps;
     if (result == FOP_COPIED && i >= 0 && stamps)
         stamps[i] = item.link_stamp ? item.link_stamp : fop_stamp(item.status);

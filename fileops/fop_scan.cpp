@@ -188,8 +188,7 @@ int fop_add_dir(FileOp *job, int group, int item, bool linked)
     struct stat status;
     if (reading.fd == -1 || gFopSys.fstat(reading.fd, &status) == -1) {
         int answer = x_ask_dir(job, "open", group, item);
-        if (reading.fd != -1)
-            gFopSys.close(reading.fd);
+        fop_close(reading.fd);
         return answer == END ? -1 : 0;
     }
     Place place = x_place(job, group, item, fop_id(status), linked);

@@ -10,18 +10,13 @@
 namespace tav {
 namespace {
 
-bool x_owner_fits(const struct stat &status, const struct stat &source)
-{
-    return status.st_uid == source.st_uid && status.st_gid == source.st_gid;
-}
-
 // Times and owner of a name that is no regular file; of a link its own.
 FopCopied x_finish_name(const FopItem &item)
 {
     timespec times[2] = {item.status.st_atim, item.status.st_mtim};
     struct stat made;
     bool owner = gFopSys.fstatat(item.to_dir, item.to, &made, AT_SYMLINK_NOFOLLOW) == 0 &&
-                 x_owner_fits(made, item.status);
+                 fop_has_owner(made, item.status);
     bool failed = !owner && fop_retry([&] {
                                 return gFopSys.fchownat(item.to_dir, item.to, item.status.st_uid,
                                                         item.status.st_gid, AT_SYMLINK_NOFOLLOW);

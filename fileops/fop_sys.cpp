@@ -137,6 +137,14 @@ const FopSys gFopSysReal = {
 
 FopSys gFopSys = gFopSysReal;
 
+void fop_close(int fd)
+{
+    int error = errno;
+    if (fd != -1)
+        gFopSys.close(fd);
+    errno = error;
+}
+
 FopEntry fop_sys_entry(const char *buffer, ssize_t &at)
 {
     auto *entry = reinterpret_cast<const Dirent *>(buffer + at);

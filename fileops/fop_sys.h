@@ -47,6 +47,9 @@ struct FopSys {
 extern FopSys gFopSys;
 extern const FopSys gFopSysReal; // the table as the program starts with it
 
+// Closes what cannot hold unwritten data, keeping errno; nothing for -1.
+void fop_close(int fd);
+
 // One entry of what getdents filled a buffer with.
 struct FopEntry {
     const char *name; // in the buffer

@@ -22,15 +22,6 @@ int x_open(int dir, const char *name, int flags, mode_t mode)
     return fop_retry([&] { return gFopSys.openat(dir, name, flags, mode); });
 }
 
-void x_close(int &fd)
-{
-    int error = errno;
-    if (fd != -1)
-        gFopSys.close(fd);
-    fd = -1;
-    errno = error;
-}
-
 void x_unlink(int dir, const std::string &name)
 {
     int error = errno;
@@ -57,9 +48,7 @@ int x_open_new(const FopItem &item, FopTarget &target)
         if (target.fd == -1)
             target.temp.clear();
     }
-    if (target.fd == -1 || gFopSys.fstat(target.fd, &target.made) == 0)
-        return target.fd == -1 ? -1 : 0;
-    return -1;
+    return target.fd != -1 && gFopSys.fstat(target.fd, &target.made) == 0 ? 0 : -1;
 }
 
 // Opens the existing file as overwriting it would: what may not be written is not replaced either.
@@ -190,8 +179,9 @@ void fop_target_drop(const FopItem &item, FopTarget &target)
     if (!target.temp.empty())
         x_unlink(item.to_dir, target.temp);
     target.temp.clear();
-    x_close(target.fd);
-    x_close(target.old_fd);
+    fop_close(target.fd);
+    fop_close(target.old_fd);
+    target.fd = target.old_fd = -1;
 }
 
 } // namespace tav

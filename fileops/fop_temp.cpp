@@ -77,8 +77,7 @@ void x_sweep(int dir)
                 gFopSys.unlinkat(dir, name, 0);
         }
     }
-    if (fd != -1)
-        gFopSys.close(fd);
+    fop_close(fd);
 }
 
 } // namespace

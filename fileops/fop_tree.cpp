@@ -6,7 +6,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -47,7 +46,7 @@ int x_set_mode(int fd, mode_t mode)
 bool x_set_owner(int fd, const struct stat &want)
 {
     struct stat made;
-    if (gFopSys.fstat(fd, &made) == 0 && made.st_uid == want.st_uid && made.st_gid == want.st_gid)
+    if (gFopSys.fstat(fd, &made) == 0 && fop_has_owner(made, want))
         return true;
     return fop_retry([&] {
                return gFopSys.fchownat(fd, "", want.st_uid, want.st_gid, AT_EMPTY_PATH);
@@ -106,8 +105,7 @@ FopCopied fop_copy_directory(FopItem &item)
     struct stat status;
     if (fd == -1 || gFopSys.fstat(fd, &status) == -1) {
         bool is_link = fd == -1 && (errno == ENOTDIR || errno == ELOOP);
-        if (fd != -1)
-            gFopSys.close(fd);
+        fop_close(fd);
         return is_link ? fop_ask_error(job, "The '%s' is not a directory\n", path)
                        : fop_ask_error(job, "Unable to make '%s' directory\n", path);
     }
@@ -130,8 +128,7 @@ FopCopied fop_finish_directory(FopItem &item)
     else
         job->groups[item.group]->filling = false;
     if (error != 0)
-        return fop_ask_error(job, "Error writing '%s'\n%s\n", item.dest.c_str(),
-                             std::strerror(error));
+        return fop_write_failed(item, error);
     return x_set_look(item, to);
 }
 

@@ -81,6 +81,9 @@ TEST_F(FopCheck, only_what_shows_done_waits_for_it_to_be_seen)
     EXPECT_EQ(sWaited, 0u);
     driver.copy(dir, {"a"});
     EXPECT_EQ(sWaited, FOP_DONE_MS);
+    driver.on_created = [](FileOp &job) { job.abort = 1; };
+    driver.copy(dir, {"a"});
+    EXPECT_EQ(sWaited, 2 * FOP_DONE_MS) << "an aborted scan shows it, too";
 }
 
 TEST_F(FopCheck, several_items_ask_for_a_missing_directory)

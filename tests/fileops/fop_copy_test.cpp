@@ -152,6 +152,10 @@ TEST_F(FopCopy, a_file_is_never_copied_into_itself)
     driver.run(FOP_COPY, dir / "src", {"b"}, dir / "same", FOP_OVERWRITE);
     EXPECT_EQ(driver.notices.size(), 2u) << "by another path";
     EXPECT_EQ(dir.read("src/b"), "b");
+    dir.link("dst/b", "../src/b");
+    driver.copy(dir, {"b"}, FOP_OVERWRITE);
+    EXPECT_EQ(driver.notices.size(), 3u) << "through a link in its place";
+    EXPECT_EQ(dir.read("src/b"), "b");
 }
 
 TEST_F(FopCopy, a_directory_in_the_way_of_a_file_is_a_write_error)

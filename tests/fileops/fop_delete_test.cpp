@@ -57,6 +57,15 @@ TEST_F(FopDelete, an_unwriteable_file_asks)
     EXPECT_FALSE(dir.exists("src/a"));
 }
 
+TEST_F(FopDelete, an_unwriteable_directory_asks_too)
+{
+    dir.dir("src/d", 0555);
+    driver.answers = {1};
+    driver.remove(dir, {"d"});
+    EXPECT_EQ(driver.texts(), "Unwriteable file " + quoted("src/d") + "\n");
+    EXPECT_TRUE(dir.exists("src/d"));
+}
+
 TEST_F(FopDelete, delete_all_stops_the_questions)
 {
     for (const char *name : {"src/a", "src/b", "src/c"})
@@ -113,6 +122,8 @@ TEST_F(FopDelete, a_failure_is_asked_about_and_told_all_the_same)
     EXPECT_EQ(driver.alerts[0].title, "Delete");
     EXPECT_EQ(text(0), "Unable to delete " + quoted("src/b") + "\nDevice or resource busy\n");
     EXPECT_EQ(driver.alerts[0].labels, (std::vector<std::string>{"&Continue", "&Abort"}));
+    EXPECT_EQ(driver.alerts[0].on_return, 1);
+    EXPECT_EQ(driver.alerts[0].on_close, 2);
     EXPECT_EQ(driver.done, (std::vector<std::string>{dir / "src/b", dir / "src/a"}));
     driver.remove(dir, {"b"});
     EXPECT_EQ(driver.done.size(), 2u) << "no word after Abort";
@@ -313,6 +324,20 @@ TEST_F(FopScan, an_ordinary_users_read_only_target_is_not_made_writable)
         return ok && dir.read("dst/a") == "old" && dir.exists("src/a") ? 0 : 1;
     });
     EXPECT_EQ(status, 0);
+}
+
+TEST_F(FopScan, an_ordinary_user_overwrites_in_place_where_no_sibling_can_be_made)
+{
+    dir.file("src/a", "new");
+    dir.file("dst/a", "old content");
+    ino_t inode = dir.status("dst/a").st_ino;
+    ::chmod((dir / "dst").c_str(), 0555);
+    int status = as_user(dir, [&] {
+        driver.copy(dir, {"a"}, FOP_OVERWRITE);
+        return driver.alerts.empty() && dir.read("dst/a") == "new" ? 0 : 1;
+    });
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(dir.status("dst/a").st_ino, inode);
 }
 
 TEST_F(FopScan, an_ordinary_user_moves_nothing_out_of_a_closed_directory)

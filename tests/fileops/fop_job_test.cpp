@@ -1,7 +1,6 @@
-// Jobs: creating them, their flags, joining paths, questions, and the texts of their slots.
+// Jobs: creating them, their flags, joining paths, questions.
 #include "app/config.h"
 #include "fileops/fop_internal.h"
-#include "fileops/fop_update.h"
 #include "fop_driver.h"
 
 #include <cerrno>
@@ -273,71 +272,6 @@ TEST(FopAlert, cuts_a_message_of_more_than_1023_bytes_between_characters)
     ASSERT_EQ(driver.alerts.size(), 1u);
     EXPECT_LE(driver.alerts[0].text.size(), 1023u);
     EXPECT_GE(driver.alerts[0].text.size(), 1019u);
-}
-
-TEST(FopTime, reads_as_described)
-{
-    EXPECT_EQ(fop_time_text(7199), "1:59 hours");
-    EXPECT_EQ(fop_time_text(3600), "1:00 hours");
-    EXPECT_EQ(fop_time_text(3599), "59:59 minutes");
-    EXPECT_EQ(fop_time_text(60), "1:00 minutes");
-    EXPECT_EQ(fop_time_text(59), "59 seconds");
-    EXPECT_EQ(fop_time_text(1), "1 seconds");
-    EXPECT_EQ(fop_time_text(0), " ");
-    EXPECT_EQ(fop_time_text(-1), " ");
-}
-
-TEST(FopTime, is_unknown_at_first_and_never_infinite)
-{
-    FileOp job;
-    EXPECT_EQ(fop_calc_time_left(&job, 0, 100), FOP_TIME_FIRST);
-    EXPECT_EQ(fop_calc_time_left(&job, 50, 100), FOP_TIME_KEEP) << "too little time has passed";
-    job.start_time.tv_sec -= 10;
-    EXPECT_EQ(fop_calc_time_left(&job, 0, 100), FOP_TIME_KEEP);
-    EXPECT_EQ(fop_calc_time_left(&job, 0, 0), FOP_TIME_KEEP);
-    EXPECT_EQ(fop_calc_time_left(&job, 50, 100), 11);
-    EXPECT_EQ(fop_calc_time_left(&job, int64_t{1} << 40, int64_t{3} << 40), 21);
-}
-
-TEST(FopPercent, is_a_number_between_0_and_100)
-{
-    EXPECT_EQ(fop_percent(0, 0), 0);
-    EXPECT_EQ(fop_percent(5, 0), 0);
-    EXPECT_EQ(fop_percent(1, 3), 33);
-    EXPECT_EQ(fop_percent(7, 5), 100);
-    EXPECT_EQ(fop_percent(int64_t{5} << 40, int64_t{10} << 40), 50);
-}
-
-TEST(FopCount, is_never_more_than_the_total)
-{
-    EXPECT_EQ(fop_count_text(0, 3), "1 of 3");
-    EXPECT_EQ(fop_count_text(2, 3), "3 of 3");
-    EXPECT_EQ(fop_count_text(3, 3), "3 of 3");
-}
-
-TEST(ShrinkName, keeps_what_fits_and_what_has_no_directory)
-{
-    EXPECT_EQ(shrink_name("From: /a/b", 60), "From: /a/b");
-    EXPECT_EQ(shrink_name("From: " + std::string(80, 'x'), 60), "From: " + std::string(80, 'x'));
-    EXPECT_EQ(shrink_name("", 60), "");
-}
-
-TEST(ShrinkName, replaces_the_middle_of_a_long_path)
-{
-    EXPECT_EQ(shrink_name("From: /a/b/c/d/file", 14), "From: /*/d/file");
-    EXPECT_EQ(shrink_name("/aaaaaaaaaa/bbbbbbbbbb/c", 20), "/*/bbbbbbbbbb/c");
-    EXPECT_EQ(shrink_name("  To: /aaaaaaaaaaaaaaaa/bbbbbbbbbbbbbbbbbbb", 12),
-              "  To: /aaaaaaaaaaaaaaaa/bbbbbbbbbbbbbbbbbbb")
-        << "no tail is short enough";
-}
-
-TEST(ShrinkName, counts_characters_and_cuts_none)
-{
-    std::string umlauts;
-    for (int i = 0; i < 20; i++)
-        umlauts += "\xc3\xa4";
-    EXPECT_EQ(shrink_name("/" + umlauts + "/b", 23), "/" + umlauts + "/b");
-    EXPECT_EQ(shrink_name("/" + umlauts + "/b", 22), "/*/b");
 }
 
 } // namespace

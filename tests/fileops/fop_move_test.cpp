@@ -141,6 +141,32 @@ TEST_F(Across, copies_then_removes_the_sources)
     EXPECT_TRUE(driver.alerts.empty()) << driver.texts();
 }
 
+// What the rename pass asked about and could not rename is asked about again by the copy pass.
+TEST_F(Across, overwriting_one_is_asked_for_in_both_passes)
+{
+    dir.file("src/a", "new");
+    dir.file("dst/a", "old");
+    driver.answers = {2, 2};
+    driver.move(dir, {"a"});
+    ASSERT_EQ(driver.alerts.size(), 2u);
+    EXPECT_EQ(driver.alerts[0].title + " " + driver.alerts[1].title, "Move Copy/Move");
+    EXPECT_EQ(dir.read("dst/a"), "new");
+    EXPECT_FALSE(dir.exists("src/a"));
+}
+
+TEST_F(Across, overwriting_all_is_asked_for_once)
+{
+    for (const char *name : {"a", "b"}) {
+        dir.file(std::string("src/") + name, "new");
+        dir.file(std::string("dst/") + name, "old");
+    }
+    driver.answers = {3};
+    driver.move(dir, {"a", "b"});
+    EXPECT_EQ(driver.alerts.size(), 1u);
+    EXPECT_EQ(dir.read("dst/a") + dir.read("dst/b"), "newnew");
+    EXPECT_TRUE(dir.all("src").empty());
+}
+
 TEST_F(Across, asks_about_links_with_its_own_words)
 {
     dir.link("src/l", "nowhere");

@@ -182,6 +182,61 @@ TEST_F(FopSpecial, the_owner_of_a_link_is_its_own)
     EXPECT_EQ(sGiven, "l 4242 " + std::to_string(AT_SYMLINK_NOFOLLOW) + "\n");
 }
 
+TEST_F(FopSpecial, a_link_or_fifo_is_never_copied_into_itself)
+{
+    dir.link("src/l", "nowhere");
+    dir.fifo("src/f");
+    for (const char *name : {"l", "f"}) {
+        std::string from = dir / ("src/" + std::string(name)),
+                    to = dir / ("dst/" + std::string(name));
+        ASSERT_EQ(::linkat(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), 0), 0);
+        driver.notices.clear();
+        driver.copy(dir, {name}, FOP_LINKS | FOP_OVERWRITE);
+        EXPECT_EQ(driver.notices,
+                  std::vector<std::string>{"File Scan: Can't copy file(s) into itself."});
+    }
+    EXPECT_EQ(dir.all("src"), dir.all("dst"));
+}
+
+TEST_F(FopSpecial, a_link_that_cannot_be_read_is_asked_about)
+{
+    dir.link("src/l", "somewhere");
+    gFopSys.readlinkat = [](int, const char *, char *, size_t) -> ssize_t {
+        errno = EIO;
+        return -1;
+    };
+    driver.answers = {1};
+    driver.copy(dir, {"l"}, FOP_LINKS);
+    EXPECT_EQ(text(0), "Unable to read link " + quoted("src/l") + "\n");
+    EXPECT_TRUE(dir.all("dst").empty());
+}
+
+TEST_F(FopSpecial, a_directory_that_cannot_be_made_is_asked_about)
+{
+    dir.dir("src/d");
+    dir.file("src/d/a", "1");
+    gFopSys.mkdirat = [](int, const char *, mode_t) {
+        errno = ENOSPC;
+        return -1;
+    };
+    driver.answers = {1};
+    driver.copy(dir, {"d"});
+    EXPECT_EQ(driver.texts(), "Unable to make " + quoted("dst/d") + " directory\n");
+    EXPECT_TRUE(dir.all("dst").empty());
+    EXPECT_EQ(driver.n_done, driver.n_items) << "what is in it is skipped with it";
+}
+
+TEST_F(FopSpecial, the_directory_that_was_copied_into_stays_as_it_is)
+{
+    dir.file("src/a", "1");
+    ::chmod((dir / "src").c_str(), 0700);
+    timespec times[2] = {{1000, 0}, {2000, 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, (dir / "src").c_str(), times, 0), 0);
+    driver.copy(dir, {"a"});
+    EXPECT_EQ(dir.status("dst").st_mode & 07777, 0755u);
+    EXPECT_NE(dir.status("dst").st_mtim.tv_sec, 2000);
+}
+
 TEST_F(FopSpecial, a_long_link_is_copied_whole)
 {
     std::string target(4000, 'x');

@@ -275,6 +275,24 @@ private Q_SLOTS:
         close(place.dir_fd);
     }
 
+    void a_proposed_name_is_cut_to_47_bytes_and_an_empty_one_declines()
+    {
+        const std::string name = std::string(46, 'n') + "\xC3\xA4" + std::string(100, 'x');
+        FopPlace place;
+        bool answered = false, accepted = false;
+        long_name_open("/from/" + name, "/to/" + name, place, [&](bool given) {
+            answered = true;
+            accepted = given;
+        });
+        auto *field = dialog_find<QLineEdit>("long_filename_dlg", "long_filename_newname");
+        QCOMPARE(field->text(), QString(46, QLatin1Char('n'))); // no character is halved
+        QTRY_VERIFY(field->hasFocus());
+        field->clear();
+        QTest::keyClick(field, Qt::Key_Return);
+        QVERIFY(answered && !accepted);
+        QCOMPARE(place.dir_fd, -1);
+    }
+
     void opening_twice_shows_one_dialog()
     {
         fm_new_file(nullptr);
