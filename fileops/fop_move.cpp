@@ -72,15 +72,13 @@ Result x_move(FileOp *job, const Item &item)
         return STAYS;
     if (x_rename(item, RENAME_NOREPLACE) == MOVED)
         return MOVED;
-    if (errno == EEXIST)
-        return x_over_existing(job, item);
-    if (errno != EINVAL && errno != ENOSYS)
-        return STAYS;
-    // A file system that cannot be asked not to replace: look first.
+    int error = errno;
     struct stat dest;
-    if (gFopSys.fstatat(item.to_dir, item.to, &dest, 0) == 0)
+    // What exists is asked about also where it turns out that renaming is impossible.
+    if (error == EEXIST || gFopSys.fstatat(item.to_dir, item.to, &dest, 0) == 0)
         return x_over_existing(job, item);
-    return x_rename(item, 0);
+    bool cannot_ask = error == EINVAL || error == ENOSYS; // not to replace: so it was looked first
+    return cannot_ask ? x_rename(item, 0) : STAYS;
 }
 
 // One live name: 0, or -1 to end the job.

@@ -154,6 +154,20 @@ TEST_F(Across, overwriting_one_is_asked_for_in_both_passes)
     EXPECT_FALSE(dir.exists("src/a"));
 }
 
+TEST_F(Across, a_skip_silences_later_questions_too)
+{
+    for (const char *name : {"a", "b"}) {
+        dir.file(std::string("src/") + name, "new");
+        dir.file(std::string("dst/") + name, "old");
+    }
+    driver.answers = {1};
+    driver.move(dir, {"a", "b"});
+    ASSERT_EQ(driver.alerts.size(), 1u);
+    EXPECT_EQ(driver.alerts[0].title, "Move");
+    EXPECT_EQ(dir.read("dst/a") + dir.read("dst/b"), "oldnew");
+    EXPECT_EQ(dir.all("src"), (std::map<std::string, std::string>{{"a", "file new"}}));
+}
+
 TEST_F(Across, overwriting_all_is_asked_for_once)
 {
     for (const char *name : {"a", "b"}) {
