@@ -35,15 +35,18 @@ std::string x_make(int count)
     return path;
 }
 
-bool x_is_complete(const DirMenuItem &item, int count)
+// The list is there and it is known of each directory whether it gets an arrow, of those on the
+// screen also shown.
+bool x_is_complete(const DirMenuItem &item, size_t count)
 {
-    return item.items.size() == count && item.submenu && item.submenu->isVisible() &&
+    return item.scan && item.scan->finished && item.scan->names.size() == count && item.submenu &&
+           item.submenu->isVisible() && !item.items.isEmpty() &&
            std::none_of(item.items.begin(), item.items.end(),
                         [](const DirMenuItem *one) { return one->state() == DtmState::unknown; });
 }
 
 // Opens the item until all is there; the longest turn of the main loop.
-double x_open(const std::string &path, int count)
+double x_open(const std::string &path, size_t count)
 {
     QMenu menu;
     DirMenuItem *item = dtm_add_item(&menu, path, path, 0, [](const char *) { return 0; });

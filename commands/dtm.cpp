@@ -1,8 +1,8 @@
 // Menus that are the directory hierarchy itself. A submenu is made when its item is armed and holds
-// "Scanning..." until the worker has listed the directory. Then a second menu is filled, in turns
-// of the main loop so that a huge directory does not stop the window, and takes the first one's
-// place.
+// "Scanning..." until the worker has listed the directory. Then a second menu with the rows takes
+// the first one's place.
 #include "commands/dtm.h"
+#include "commands/dtm_long.h"
 #include "platform/pool.h"
 #include "platform/shown.h"
 #include "platform/ui_gate.h"
@@ -10,8 +10,8 @@
 #include "platform/worker.h"
 
 #include <QCoreApplication>
-#include <QPointer>
 #include <QTimer>
+#include <algorithm>
 #include <map>
 #include <new>
 
@@ -19,17 +19,7 @@ namespace tav {
 
 namespace {
 
-constexpr int FILL_TURN = 500; // items made before the main loop runs again
-// A menu of more items than this is shown before the items have their texts, see make_room.
-constexpr size_t MANY = 2000;
-
-// A submenu being filled. Lives in the queue of posted calls; the item may be gone when the next
-// turn comes.
-struct Filling {
-    QPointer<DirMenuItem> item;
-    std::shared_ptr<DtmScan> scan;
-    QPointer<DtmMenu> menu; // the new submenu, not shown yet
-};
+constexpr size_t WIDE = 64; // so many of the longest names are measured to find the widest
 
 // The item that waits for a scan; looked up when the worker reports. Main thread.
 struct Waiting {
@@ -48,15 +38,18 @@ void x_repaint(const DirMenuItem &item)
         menu->update();
 }
 
+QString x_label(std::string_view name)
+{
+    const bool ends = !name.empty() && name.back() == '/';
+    return shown_label(name) + (ends ? QString() : QStringLiteral("/"));
+}
+
 // Throws when there is no room for it.
 std::unique_ptr<DirMenuItem> x_new_item(QMenu *menu, const std::string &path,
                                         std::string_view label, unsigned flags, DtmAction action)
 {
     auto made = std::make_unique<DirMenuItem>(menu);
-    std::string text(label);
-    if (text.empty() || text.back() != '/')
-        text += '/';
-    made->set_label(shown_label(text));
+    made->setText(x_label(label));
     made->path = path;
     made->flags = flags & ~DTM_EXAMINE;
     made->action = action;
@@ -66,18 +59,24 @@ std::unique_ptr<DirMenuItem> x_new_item(QMenu *menu, const std::string &path,
     return made;
 }
 
-// The directory has no subdirectories, or none that anybody may see: the item is a plain one.
-void x_make_plain(DirMenuItem &item)
+void x_drop_submenu(DirMenuItem &item)
 {
     DtmMenu *menu = item.submenu;
     item.submenu = nullptr;
     item.placeholder = nullptr;
+    item.items.clear();
+    if (!menu)
+        return;
+    item.setMenu(nullptr);
+    menu->hide();
+    menu->deleteLater();
+}
+
+// The directory has no subdirectories, or none that anybody may see: the item is a plain one.
+void x_make_plain(DirMenuItem &item)
+{
     item.set_state(DtmState::plain);
-    if (menu) {
-        item.setMenu(nullptr);
-        menu->hide();
-        menu->deleteLater();
-    }
+    x_drop_submenu(item);
     x_repaint(item);
 }
 
@@ -103,10 +102,12 @@ void x_exchange(DirMenuItem &item, DtmMenu *full)
     x_repaint(item);
 }
 
+// Shows what is known by now of the rows that the submenu shows.
 void x_show_states(DirMenuItem &item)
 {
-    for (qsizetype i = 0; i < item.items.size(); i++) {
-        const DtmState state = item.scan->states[static_cast<size_t>(i)];
+    const auto *menu = qobject_cast<DtmLongMenu *>(item.submenu);
+    for (qsizetype i = 0; menu && i < item.items.size(); i++) {
+        const DtmState state = item.scan->states[menu->top() + static_cast<size_t>(i)];
         DirMenuItem &child = *item.items[i];
         if (child.state() != DtmState::unknown || state == DtmState::unknown)
             continue;
@@ -119,60 +120,78 @@ void x_show_states(DirMenuItem &item)
         item.submenu->update();
 }
 
-// Adds items up to that one; false after a failure, of which the user is told.
-bool x_fill_to(DirMenuItem &item, DtmMenu *menu, const std::vector<std::string> &names, size_t end)
+void x_forget_scan(DirMenuItem &item)
 {
-    QList<QAction *> actions;
-    const bool many = names.size() > MANY;
-    auto i = static_cast<size_t>(item.items.size());
+    if (!item.scan)
+        return;
+    item.scan->cancel = true; // the worker keeps what it uses until it has seen this
+    sWaiting.removeIf([&item](const Waiting &waiting) { return waiting.scan == item.scan; });
+    item.scan.reset();
+}
+
+// The submenu was scrolled: its items are other directories now.
+void x_show_rows(DirMenuItem &item, size_t top)
+{
+    const std::vector<std::string> &names = item.scan->names;
+    for (DirMenuItem *child : item.items) {
+        const std::string &name = names[top++];
+        x_forget_scan(*child);
+        x_drop_submenu(*child);
+        child->set_state(DtmState::unknown);
+        child->path = dtm_join(item.path, name);
+        child->setText(x_label(name));
+    }
+    x_show_states(item);
+}
+
+// Pixels for the widest of the names, or nearly: the longest ones are measured.
+int x_room(const std::vector<std::string> &names, const QFontMetrics &metrics)
+{
+    std::vector<const std::string *> longest;
+    longest.reserve(names.size());
+    for (const std::string &name : names)
+        longest.push_back(&name);
+    const size_t measured = std::min(WIDE, longest.size());
+    std::partial_sort(longest.begin(), longest.begin() + static_cast<ptrdiff_t>(measured),
+                      longest.end(),
+                      [](const auto *a, const auto *b) { return a->size() > b->size(); });
+    int room = 0;
+    for (size_t i = 0; i < measured; i++)
+        room = std::max(room, metrics.horizontalAdvance(x_label(*longest[i])));
+    return room;
+}
+
+DtmRows x_rows(DirMenuItem &item, const QFontMetrics &metrics)
+{
+    DtmRows rows;
+    rows.count = item.scan->names.size();
+    rows.room = x_room(item.scan->names, metrics);
+    rows.label = [scan = item.scan](size_t row) { return x_label(scan->names[row]); };
+    rows.show = [&item](size_t top) { x_show_rows(item, top); };
+    return rows;
+}
+
+// Makes the submenu's items; without room for them all, of which the user is told, there are fewer.
+void x_fill(DirMenuItem &item, DtmLongMenu &menu)
+{
+    const std::vector<std::string> &names = item.scan->names;
+    DtmRows rows;
+    QList<DtmAnyItem *> made;
     try {
-        for (; i < end; i++) {
+        rows = x_rows(item, menu.fontMetrics());
+        for (size_t i = 0, count = menu.room_for(names.size()); i < count; i++) {
             const std::string path = dtm_join(item.path, names[i]);
-            actions.append(x_new_item(menu, path, names[i], item.flags, item.action).release());
-            item.items.append(static_cast<DirMenuItem *>(actions.last()));
-            if (many)
-                menu->make_room(item.items.last()->label());
-            else
-                actions.last()->setText(item.items.last()->label());
+            DirMenuItem *child =
+                x_new_item(&menu, path, names[i], item.flags, item.action).release();
+            made.append(child);
+            item.items.append(child);
         }
     } catch (const std::bad_alloc &) {
+        const std::string &name = names[static_cast<size_t>(made.size())];
         dtm_errinfo("Add Item",
-                    QStringLiteral("Can't add item '%1' into the menu").arg(shown_text(names[i])));
+                    QStringLiteral("Can't add item '%1' into the menu").arg(shown_text(name)));
     }
-    menu->addActions(actions);
-    return i == end;
-}
-
-// Gives the items of a menu that has been laid out their texts, which assistive technology reads.
-void x_name_items(const std::shared_ptr<Filling> &filling, qsizetype from)
-{
-    if (!filling->item || !filling->menu)
-        return;
-    const QList<DirMenuItem *> &items = filling->item->items;
-    const qsizetype end = std::min(items.size(), from + FILL_TURN);
-    for (qsizetype i = from; i < end; i++)
-        items[i]->setText(items[i]->label());
-    if (end < items.size())
-        QTimer::singleShot(0, filling->item, [filling, end] { x_name_items(filling, end); });
-}
-
-void x_fill(const std::shared_ptr<Filling> &filling)
-{
-    DirMenuItem *item = filling->item;
-    if (!item || !filling->menu) {
-        delete filling->menu;
-        return;
-    }
-    const std::vector<std::string> &names = filling->scan->names;
-    const size_t end = std::min(names.size(), static_cast<size_t>(item->items.size()) + FILL_TURN);
-    if (x_fill_to(*item, filling->menu, names, end) && end < names.size()) {
-        QTimer::singleShot(0, item, [filling] { x_fill(filling); });
-        return;
-    }
-    x_exchange(*item, filling->menu);
-    x_show_states(*item);
-    if (names.size() > MANY)
-        QTimer::singleShot(0, item, [filling] { x_name_items(filling, 0); });
+    menu.set_rows(made, rows);
 }
 
 void x_open(DirMenuItem &item);
@@ -185,36 +204,30 @@ void x_await_opening(DirMenuItem &item)
         Qt::SingleShotConnection);
 }
 
-void x_forget_scan(const std::shared_ptr<DtmScan> &scan)
-{
-    sWaiting.removeIf([&scan](const Waiting &waiting) { return waiting.scan == scan; });
-}
-
 // The scan came to nothing: the next time that the submenu is shown it is tried again.
 void x_give_up(DirMenuItem &item, const char *title, const QString &text)
 {
-    x_forget_scan(item.scan);
-    item.scan.reset();
+    x_forget_scan(item);
     if (item.submenu)
         x_await_opening(item);
     dtm_errinfo(title, text);
 }
 
-void x_listed(DirMenuItem &item, const std::shared_ptr<DtmScan> &scan)
+void x_listed(DirMenuItem &item)
 {
-    if (scan->no_memory) {
+    if (item.scan->no_memory) {
         x_give_up(item, "Memory Allocation", QStringLiteral("Not enough memory!"));
         return;
     }
-    if (scan->names.empty()) { // a directory that refuses or is gone has nothing to show either
+    // A directory that refuses or is gone has nothing to show either.
+    if (item.scan->names.empty()) {
         x_make_plain(item);
         return;
     }
-    auto filling = std::make_shared<Filling>();
-    filling->item = &item;
-    filling->scan = scan;
-    filling->menu = new DtmMenu(item.submenu ? item.submenu->parentWidget() : nullptr);
-    x_fill(filling);
+    auto *full = new DtmLongMenu(item.submenu ? item.submenu->parentWidget() : nullptr);
+    x_fill(item, *full);
+    x_exchange(item, full);
+    x_show_states(item);
 }
 
 DirMenuItem *x_waiting(const std::shared_ptr<DtmScan> &scan)
@@ -234,19 +247,13 @@ void x_post(const std::shared_ptr<DtmScan> &scan, F f)
     ui_post([scan, f] {
         DirMenuItem *item = x_waiting(scan);
         if (item && !scan->cancel)
-            f(*item, scan);
+            f(*item);
     });
-}
-
-void x_examined(DirMenuItem &item, const std::shared_ptr<DtmScan> &)
-{
-    if (!item.items.isEmpty() && !item.placeholder)
-        x_show_states(item);
 }
 
 const DtmScanReport sReport = {
     [](const std::shared_ptr<DtmScan> &scan) { x_post(scan, x_listed); },
-    [](const std::shared_ptr<DtmScan> &scan) { x_post(scan, x_examined); },
+    [](const std::shared_ptr<DtmScan> &scan) { x_post(scan, x_show_states); },
 };
 
 std::shared_ptr<DtmScan> x_new_scan(DirMenuItem &item)
@@ -322,10 +329,9 @@ void x_examine(DirMenuItem &item)
 
 DirMenuItem::~DirMenuItem()
 {
-    if (scan) {
-        scan->cancel = true; // the worker keeps what it uses until it has seen this
-        x_forget_scan(scan);
-    }
+    x_forget_scan(*this);
+    if (submenu)
+        submenu->deleteLater();
 }
 
 void DirMenuItem::arm()
@@ -350,7 +356,6 @@ DirMenuItem *dtm_add_item(QMenu *menu, const std::string &path, std::string_view
 {
     try {
         DirMenuItem *item = x_new_item(menu, path, label, flags, action).release();
-        item->setText(item->label());
         menu->addAction(item);
         dtm_menu_attend(menu);
         if (flags & DTM_EXAMINE)

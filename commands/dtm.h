@@ -6,6 +6,7 @@
 #include "commands/dtm_scan.h"
 
 #include <QAction>
+#include <QPointer>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -17,13 +18,13 @@ using DtmAction = int (*)(const char *path);
 
 // One directory in a menu. The menu owns it; its worker, if one runs, is told to stop when it goes.
 struct DirMenuItem : DtmAnyItem {
-    std::string path;           // the directory
-    unsigned flags = 0;         // DTM_HIDE_DOT or 0, handed on to the subdirectories
-    DtmAction action = nullptr; // what choosing it calls
-    DtmMenu *submenu = nullptr; // null until it is needed, and again once there is no subdirectory
+    std::string path;               // the directory; a scrolled menu gives the item another one
+    unsigned flags = 0;             // DTM_HIDE_DOT or 0, handed on to the subdirectories
+    DtmAction action = nullptr;     // what choosing it calls
+    QPointer<DtmMenu> submenu;      // null until it is needed, and when there is no subdirectory
     QAction *placeholder = nullptr; // "Scanning..." in the submenu until the scan ends
     std::shared_ptr<DtmScan> scan;  // of the submenu or of the item's own examination, once begun
-    QList<DirMenuItem *> items;     // the subdirectories
+    QList<DirMenuItem *> items;     // the subdirectories, as many as the submenu shows at a time
 
     explicit DirMenuItem(QObject *owner) : DtmAnyItem(owner) {}
     ~DirMenuItem() override;

@@ -8,6 +8,7 @@
 #include <QMouseEvent>
 #include <QPointer>
 #include <QProxyStyle>
+#include <QScreen>
 #include <QStyleOptionMenuItem>
 #include <algorithm>
 
@@ -17,17 +18,37 @@ namespace {
 
 constexpr QRgb GREY = 0xFF909090; // of an item that is still being examined
 
-// A menu longer than the screen scrolls instead of growing columns. An item without a text is as
-// wide as the widest label of the menu.
+// Of the arrows in a menu that shows its rows by and by, not of the toolkit's own.
+bool x_is_arrow(const QStyleOption *option)
+{
+    const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
+    return item && item->menuItemType == QStyleOptionMenuItem::Scroller;
+}
+
+// A menu longer than the screen scrolls instead of growing columns. Its items are neither narrower
+// than its widest label nor too wide for the screen.
 class ScrollStyle : public QProxyStyle {
 public:
     QSize sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &size,
                            const QWidget *widget) const override
     {
         const auto *menu = type == CT_MenuItem ? qobject_cast<const DtmMenu *>(widget) : nullptr;
-        const int room = menu ? menu->room() : 0;
-        return QProxyStyle::sizeFromContents(
-            type, option, QSize(std::max(size.width(), room), size.height()), widget);
+        if (!menu)
+            return QProxyStyle::sizeFromContents(type, option, size, widget);
+        if (x_is_arrow(option))
+            return {size.width(), pixelMetric(PM_MenuScrollerHeight, option, widget)};
+        const int width = std::min(std::max(size.width(), menu->room()), menu->limit());
+        return QProxyStyle::sizeFromContents(type, option, QSize(width, size.height()), widget);
+    }
+    void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
+                     const QWidget *widget) const override
+    {
+        const bool arrow = element == CE_MenuItem && x_is_arrow(option);
+        const bool live = option->state & State_Enabled;
+        QProxyStyle::drawControl(!arrow ? element
+                                 : live ? CE_MenuScroller
+                                        : CE_MenuEmptyArea,
+                                 option, painter, widget);
     }
     int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
                   QStyleHintReturn *result) const override
@@ -47,6 +68,28 @@ QStyle *x_style()
     return style;
 }
 
+bool x_go_to(QMenu &menu, const QString &beginning)
+{
+    const QList<QAction *> all = menu.actions();
+    const qsizetype from = all.indexOf(menu.activeAction());
+    for (qsizetype i = 1; i <= all.size(); i++) {
+        auto *item = qobject_cast<DtmAnyItem *>(all[(from + i + all.size()) % all.size()]);
+        if (item && item->text().startsWith(beginning, Qt::CaseInsensitive)) {
+            dtm_menu_highlight(menu, *item);
+            return true;
+        }
+    }
+    return false;
+}
+
+bool x_go_to_letter(QMenu &menu, const QString &text)
+{
+    if (text.isEmpty() || !text[0].isPrint() || text[0].isSpace())
+        return false;
+    auto *own = qobject_cast<DtmMenu *>(&menu);
+    return own ? own->go_to(text) : x_go_to(menu, text);
+}
+
 // Takes a menu's presses and keys before the menu does. Its child.
 class Attendant : public QObject {
 public:
@@ -59,7 +102,6 @@ public:
 private:
     bool take_press(const QMouseEvent &event);
     bool take_key(const QKeyEvent &event);
-    bool go_to_letter(const QString &text);
     bool go_to_shared_mnemonic(int key);
 
     QMenu *m_menu;
@@ -106,24 +148,7 @@ bool Attendant::take_key(const QKeyEvent &event)
         return true;
     }
     return !(event.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) &&
-           (go_to_letter(event.text()) || go_to_shared_mnemonic(event.key()));
-}
-
-// To the next item, after the current one and round, whose label begins with the text.
-bool Attendant::go_to_letter(const QString &text)
-{
-    if (text.isEmpty() || !text[0].isPrint() || text[0].isSpace())
-        return false;
-    const QList<QAction *> all = m_menu->actions();
-    const qsizetype from = all.indexOf(m_menu->activeAction());
-    for (qsizetype i = 1; i <= all.size(); i++) {
-        auto *item = qobject_cast<DtmAnyItem *>(all[(from + i + all.size()) % all.size()]);
-        if (item && item->label().startsWith(text, Qt::CaseInsensitive)) {
-            m_menu->setActiveAction(item);
-            return true;
-        }
-    }
-    return false;
+           (x_go_to_letter(*m_menu, event.text()) || go_to_shared_mnemonic(event.key()));
 }
 
 bool x_has_mnemonic(const QAction *action, int key)
@@ -160,10 +185,13 @@ DtmMenu::DtmMenu(QWidget *parent) : QMenu(parent)
     dtm_menu_attend(this);
 }
 
-void DtmMenu::make_room(const QString &label)
+int DtmMenu::limit() const
 {
-    m_room = std::max(m_room, fontMetrics().horizontalAdvance(label));
+    const QScreen *at = parentWidget() ? parentWidget()->screen() : screen();
+    return at->availableGeometry().width() / 3;
 }
+
+bool DtmMenu::go_to(const QString &beginning) { return x_go_to(*this, beginning); }
 
 void DtmMenu::initStyleOption(QStyleOptionMenuItem *option, const QAction *action) const
 {
@@ -171,7 +199,8 @@ void DtmMenu::initStyleOption(QStyleOptionMenuItem *option, const QAction *actio
     const auto *item = qobject_cast<const DtmAnyItem *>(action);
     if (item == nullptr)
         return;
-    option->text = item->label();
+    option->text = option->fontMetrics.elidedText(option->text, Qt::ElideMiddle, limit(),
+                                                  Qt::TextShowMnemonic);
     option->menuItemType = item->state() == DtmState::cascade ? QStyleOptionMenuItem::SubMenu
                                                               : QStyleOptionMenuItem::Normal;
     if (item->state() == DtmState::unknown)
@@ -196,6 +225,21 @@ void dtm_menu_attend(QMenu *menu)
         if (dynamic_cast<Attendant *>(child))
             return;
     new Attendant(menu);
+}
+
+// A menu opens the submenu of what is made active, unless there is none yet.
+void dtm_menu_highlight(QMenu &menu, DtmAnyItem &item)
+{
+    QMenu *submenu = item.menu();
+    item.setMenu(nullptr);
+    {
+        const QSignalBlocker unarmed(item);
+        menu.setActiveAction(&item);
+    }
+    if (submenu)
+        item.setMenu(submenu);
+    else
+        item.arm();
 }
 
 void dtm_menu_dismiss()

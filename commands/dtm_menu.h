@@ -18,15 +18,12 @@ class DtmAnyItem : public QAction {
 public:
     explicit DtmAnyItem(QObject *owner) : QAction(owner) {}
 
-    const QString &label() const { return m_label; } // what the menu shows, text() or not
-    void set_label(const QString &label) { m_label = label; }
     DtmState state() const { return m_state; }
     void set_state(DtmState state) { m_state = state; } // who sets many repaints once
     virtual void arm() = 0;    // the pointer or the keys came to it: its submenu may be wanted
     virtual void choose() = 0; // it was chosen, submenu or not
 
 private:
-    QString m_label;
     DtmState m_state = DtmState::unknown;
 };
 
@@ -36,15 +33,16 @@ class DtmMenu : public QMenu {
 public:
     explicit DtmMenu(QWidget *parent);
 
-    // For a menu of very many items: makes room for their labels, which a menu lays out one by one
-    // when it is shown, in several turns of the main loop. Items whose text() is empty cost next to
-    // nothing then.
-    void make_room(const QString &label);
-    int room() const { return m_room; } // the widest of them in pixels
+    // The width in pixels that each item has at least, and at most however long its label is.
+    int room() const { return m_room; }
+    int limit() const;
+    // Highlights the next item, after the current one and round, whose label begins like that.
+    virtual bool go_to(const QString &beginning);
 
 protected:
     void initStyleOption(QStyleOptionMenuItem *option, const QAction *action) const override;
     void actionEvent(QActionEvent *event) override;
+    void set_room(int room) { m_room = room; }
 
 private:
     int m_room = 0;
@@ -52,6 +50,9 @@ private:
 
 // Gives any menu the handling described above; once per menu is enough, more does no harm.
 void dtm_menu_attend(QMenu *menu);
+
+// Highlights an item as the arrow keys do: its submenu stays closed, the keys stay with this menu.
+void dtm_menu_highlight(QMenu &menu, DtmAnyItem &item);
 
 // Closes every open menu.
 void dtm_menu_dismiss();
