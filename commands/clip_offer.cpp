@@ -37,7 +37,7 @@ bool ClipOffer::hasFormat(const QString &mime) const
 TransfFiles ClipOffer::files() const
 {
     TransfFiles files;
-    files.cut = m_cut;
+    files.cut = m_cut || m_moving;
     files.ours = true;
     files.id = m_id;
     files.lists.push_back(transf_own(*m_list));
@@ -47,7 +47,7 @@ TransfFiles ClipOffer::files() const
 std::string ClipOffer::make(const QString &mime) const
 {
     if (mime == QLatin1String(TRANSF_MIME))
-        return transf_pack(*m_list, m_cut, m_id);
+        return transf_pack(*m_list, m_cut || m_moving, m_id);
     if (mime == QLatin1String(TRANSF_MIME_GNOME))
         return uri_make_gnome(*m_list, m_cut);
     if (mime == QLatin1String(TRANSF_MIME_URIS))

@@ -23,6 +23,10 @@ public:
     bool cut() const { return m_cut; }
     const TransfId &id() const { return m_id; }
 
+    // What the pointer of a drag shows: our own form tells it, so that it is known to whoever the
+    // files are dropped on, however late.
+    void set_moving(bool moving) { m_moving = moving; }
+
     // The offer's files as if they had been read: copies, so both live on their own.
     TransfFiles files() const;
 
@@ -34,6 +38,7 @@ private:
 
     std::shared_ptr<const FileListRecord> m_list;
     bool m_cut;
+    bool m_moving = false;
     TransfId m_id;
 };
 

@@ -20,6 +20,10 @@ namespace tav {
 
 namespace {
 
+// What a drop would do where the drag was last, as it was answered to the source. Keys that are
+// let go after the mouse button do not change it, however late the drop arrives.
+Qt::DropAction sAnswered = Qt::IgnoreAction;
+
 bool x_same(const struct stat &a, const struct stat &b)
 {
     return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
@@ -117,11 +121,12 @@ bool dnd_is_files(const QDropEvent &event)
 
 bool dnd_accepts(QDropEvent &event, int index)
 {
+    sAnswered = dnd_action(event.modifiers(), event.possibleActions());
     if (!dnd_is_files(event) || !gDir.has_path ||
         !(event.possibleActions() & (Qt::CopyAction | Qt::MoveAction)) ||
         x_is_refused(*event.mimeData(), index))
         return false;
-    event.setDropAction(dnd_action(event.modifiers(), event.possibleActions()));
+    event.setDropAction(sAnswered);
     return true;
 }
 
@@ -130,8 +135,9 @@ void dnd_drop(QDropEvent &event, int index)
     if (event.mimeData() == nullptr || !gDir.has_path)
         return;
     const std::string destination = dnd_destination(index);
-    const bool copy = dnd_action(event.modifiers(), event.possibleActions()) == Qt::CopyAction;
     TransfFiles files = x_files(*event.mimeData());
+    // Another instance tells what its pointer showed; of others the last answer is the best.
+    const bool copy = files.ours ? !files.cut : sAnswered != Qt::MoveAction;
     const bool inside = std::any_of(
         files.lists.begin(), files.lists.end(),
         [&destination](const FileListRecord &list) { return dnd_is_inside(list, destination); });
@@ -152,12 +158,18 @@ void dnd_start()
         return;
     auto list = std::make_shared<const FileListRecord>(transf_own(fl_pack_transf()));
     auto *drag = new QDrag(fl_view());
-    drag->setMimeData(new ClipOffer(list, false, transf_new_id()));
+    auto *offer = new ClipOffer(list, false, transf_new_id());
+    drag->setMimeData(offer);
+    const auto showing =
+        QObject::connect(drag, &QDrag::actionChanged, offer, [offer](Qt::DropAction action) {
+            offer->set_moving(action == Qt::MoveAction);
+        });
     const QPixmap picture = dnd_picture(*list);
     drag->setPixmap(picture);
     drag->setHotSpot({-DND_PICTURE_GAP, -DND_PICTURE_GAP});
     // What the other side made of it is its own affair: nothing here is ever deleted for it.
     drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::MoveAction);
+    QObject::disconnect(showing); // the button is up: this is what it showed
 }
 
 void x_drop_complete_cb(const FileListRecord &list, unsigned flags)

@@ -38,7 +38,21 @@ struct Drag {
         if (accepted) // as the toolkit does it
             move(window, at);
     }
-    void move(const FlWindow &window, const QPoint &at) { send<QDragMoveEvent>(window, at); }
+    void move(const FlWindow &window, const QPoint &at)
+    {
+        send<QDragMoveEvent>(window, at);
+        show(action == Qt::MoveAction);
+    }
+    // The source's pointer shows what was answered, and its form of ours tells it.
+    void show(bool moving)
+    {
+        TransfOffer other;
+        if (auto *own = qobject_cast<ClipOffer *>(data.get()))
+            own->set_moving(moving);
+        else if (transf_unpack(data->data(QLatin1String(TRANSF_MIME)).toStdString(), other) == 0)
+            data->setData(QLatin1String(TRANSF_MIME),
+                          QByteArray::fromStdString(transf_pack(other.list, moving, other.id)));
+    }
     void drop(const FlWindow &window, const QPoint &at)
     {
         enter(window, at);
@@ -316,6 +330,44 @@ private Q_SLOTS:
         drag.possible = Qt::CopyAction;
         drag.drop(*m_window, empty());
         QCOMPARE(gJobs, std::vector{"copy " + path("other") + ": file -> " + here()});
+    }
+
+    void a_key_let_go_after_the_button_changes_nothing_data()
+    {
+        QTest::addColumn<bool>("ctrl");
+        QTest::addColumn<std::string>("job");
+        QTest::newRow("Ctrl was held") << true << std::string("copy ");
+        QTest::newRow("Ctrl was not held") << false << std::string("move ");
+    }
+    void a_key_let_go_after_the_button_changes_nothing()
+    {
+        QFETCH(bool, ctrl);
+        QFETCH(std::string, job);
+        Drag drag = x_foreign("text/uri-list", "file://" + path("other/file") + "\r\n");
+        drag.modifiers = ctrl ? Qt::ControlModifier : Qt::NoModifier;
+        drag.enter(*m_window, empty());
+        drag.modifiers ^= Qt::ControlModifier;
+        drag.send<QDropEvent>(*m_window, empty());
+        QCOMPARE(gJobs, std::vector{job + path("other") + ": file -> " + here()});
+    }
+
+    void another_instances_pointer_counts_not_what_is_held_when_its_drag_arrives_data()
+    {
+        QTest::addColumn<bool>("moving");
+        QTest::addColumn<std::string>("job");
+        QTest::newRow("it showed a copy") << false << std::string("copy ");
+        QTest::newRow("it showed a move") << true << std::string("move ");
+    }
+    void another_instances_pointer_counts_not_what_is_held_when_its_drag_arrives()
+    {
+        QFETCH(bool, moving);
+        QFETCH(std::string, job);
+        Drag drag = x_other_instance(path("other"), {"file"});
+        drag.modifiers = moving ? Qt::ControlModifier : Qt::NoModifier;
+        drag.enter(*m_window, empty());
+        drag.show(moving);
+        drag.send<QDropEvent>(*m_window, empty());
+        QCOMPARE(gJobs, std::vector{job + path("other") + ": file -> " + here()});
     }
 
     void a_move_is_told_to_the_source_as_a_copy()

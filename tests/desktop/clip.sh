@@ -116,44 +116,71 @@ tav_place() {
     wmctrl -i -r "$window" -e "0,$2,$3,$4,$5"
 }
 
-# drag_begin PID NAME: presses the selected row and takes it out of the list, past its header.
+# The pointer's image, so that one can be told from another; waiting for one.
+pointer() { /usr/bin/python3 "$desktop_dir/pointer.py" "$@"; }
+
+# drag_begin PID NAME: presses the selected row and takes it out of the list, up to the toolbar's buttons, where
+# nothing may be dropped. Sets dragging and, the first time, pointer_none.
 drag_begin() {
-    local from top
+    local from top before
     tav_focus "$1"
     read -ra from <<<"$(row_place "$1" "$2")"
     read -ra top <<<"$(row_place "$1" ..)"
-    xdotool mousemove "${from[@]}" mousedown 1
-    xdotool mousemove "${from[0]}" $((from[1] - 4))
-    xdotool mousemove "${top[0]}" $((top[1] - 45)) mousemove "${top[0]}" $((top[1] - 48))
+    xdotool mousemove "${from[@]}"
+    before=$(pointer)
+    xdotool mousedown 1 mousemove "${from[0]}" $((from[1] - 4))
+    xdotool mousemove "${top[0]}" $((top[1] - 90)) mousemove "${top[0]}" $((top[1] - 93))
     dragging=$1
+    pointer_none=$(pointer --not "$before") || fail "the pointer shows no drag"
 }
 
-# drag_over PID X Y: goes on to that point of that window; both programs have taken notice on return.
+# drag_over SHOWN X Y: goes on to that point, where the pointer shows it: move or copy (see drag_learn).
 drag_over() {
+    local image=pointer_$1
+    xdotool mousemove "$2" $(($3 + 3))
+    pointer "${!image}" >/dev/null || fail "the pointer shows no $1"
+    xdotool mousemove "$2" "$3"
+}
+
+# drag_learn X Y: what the pointer of the drag shows there without and with Ctrl, which is pressed and let go
+# without moving. Sets pointer_move and pointer_copy.
+# shellcheck disable=SC2034 # used by name
+drag_learn() {
+    xdotool mousemove "$1" "$2"
+    pointer_move=$(pointer --not "$pointer_none") || fail "nothing may be dropped there"
+    xdotool keydown ctrl
+    pointer_copy=$(pointer --not "$pointer_none" "$pointer_move") || fail "the pointer shows no copy"
+    xdotool keyup ctrl
+    pointer "$pointer_move" >/dev/null || fail "the pointer shows no move again"
+}
+
+# drag_over_nothing PID X Y: to a point of that window where the drag is refused. Both programs have taken
+# notice on return.
+drag_over_nothing() {
     local step
-    for step in 6 3 0; do
+    for step in 3 0; do
         xdotool mousemove "$2" $(($3 + step))
         look "$dragging" >"$work/noticed"
         look "$1" >"$work/noticed"
-        look "$dragging" >"$work/noticed"
     done
+    pointer "$pointer_none" >/dev/null || fail "the pointer shows that it may be dropped"
 }
 
 # drag_end: drops it there.
 drag_end() { xdotool mouseup 1; }
 
-# drag_rows FROM NAME TO ROW: from the row of one list to the row of another.
+# drag_rows FROM NAME TO ROW: moves by the mouse from the row of one list to the row of another.
 drag_rows() {
     local place
-    drag_begin "$1" "$2"
     read -ra place <<<"$(row_place "$3" "$4")"
-    drag_over "$3" "${place[@]}"
+    drag_begin "$1" "$2"
+    drag_over move "${place[@]}"
     drag_end
 }
 
-# A point of the list where no row is.
+# A point of the list where no row is, nor six more.
 below_rows() {
     local place
     read -ra place <<<"$(row_place "$1" "$2")"
-    echo "${place[0]} $((place[1] + 60))"
+    echo "${place[0]} $((place[1] + 150))"
 }
