@@ -22,8 +22,10 @@ struct PipeRecord {
     pid_t pid;    // of the shell; -1 while starting
 };
 
-std::mutex popen_mutex;                 // guards popen_list
-std::unique_ptr<PipeRecord> popen_list; // the last opened first
+std::mutex popen_mutex; // guards popen_list
+
+// The last opened first. Never freed: a worker may outlive the main thread.
+std::unique_ptr<PipeRecord> &popen_list = *new std::unique_ptr<PipeRecord>;
 
 // Null when memory is out.
 PipeRecord *x_link()

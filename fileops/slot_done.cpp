@@ -14,8 +14,10 @@ struct Done {
     std::string name;
 };
 
-std::mutex sMutex;       // over sDone
-std::vector<Done> sDone; // what the main thread has not taken yet
+std::mutex sMutex; // over sDone
+
+// What the main thread has not taken yet. Never freed: a job's thread may outlive the main one.
+std::vector<Done> &sDone = *new std::vector<Done>;
 
 // On the main thread: everything that came since.
 void x_take()

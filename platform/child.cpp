@@ -25,8 +25,12 @@ struct Kept {
     ChildEnded ended;
 };
 
-std::mutex sMutex;       // guards sKept
-std::vector<Kept> sKept; // children that child_reap collects
+struct Children {
+    std::mutex mutex;       // guards kept
+    std::vector<Kept> kept; // that child_reap collects
+};
+
+Children &sChildren = *new Children; // never freed: a worker may outlive the main thread
 
 bool x_same_name(const char *entry, const std::string &setting)
 {
@@ -130,8 +134,8 @@ pid_t child_start(const ChildStart &start)
 void child_keep(pid_t pid, ChildEnded ended)
 {
     {
-        std::lock_guard lock(sMutex);
-        sKept.push_back({pid, std::move(ended)});
+        std::lock_guard lock(sChildren.mutex);
+        sChildren.kept.push_back({pid, std::move(ended)});
     }
     if (gChildKept != nullptr)
         gChildKept(pid);
@@ -146,9 +150,9 @@ int child_reap()
     std::vector<Gone> gone;
     size_t left = 0;
     {
-        std::lock_guard lock(sMutex);
+        std::lock_guard lock(sChildren.mutex);
         std::vector<Kept> running;
-        for (Kept &child : sKept) {
+        for (Kept &child : sChildren.kept) {
             int status = 0;
             pid_t answer = waitpid(child.pid, &status, WNOHANG);
             if (answer == child.pid)
@@ -156,8 +160,8 @@ int child_reap()
             else if (answer == 0 || errno == EINTR)
                 running.push_back(std::move(child));
         }
-        sKept.swap(running);
-        left = sKept.size();
+        sChildren.kept.swap(running);
+        left = sChildren.kept.size();
     }
     for (const Gone &one : gone) {
         if (one.child.ended)

@@ -33,19 +33,22 @@ DIR *slow_open(const char *path)
 
 class TreeJobs : public testing::Test {
 protected:
+    // Once: workers that still come back call it.
+    static void SetUpTestSuite()
+    {
+        gTreeProbeNotify = [] { ++sNotified; };
+    }
     void SetUp() override
     {
         before = gTreeCalls;
         sNotified = 0;
         sHang = false;
-        gTreeProbeNotify = [] { ++sNotified; };
     }
     void TearDown() override
     {
         sHang = false;
         EXPECT_TRUE(test_wait([] { return sHanging == 0; }));
         gTreeCalls = before;
-        gTreeProbeNotify = nullptr;
         tree_probe_answers();
     }
     // The whole level, by name.
