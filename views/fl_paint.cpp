@@ -4,6 +4,7 @@
 #include "model/dir.h"
 #include "platform/shown.h"
 #include "views/fl_header.h"
+#include "views/fl_text.h"
 #include "views/fl_view.h"
 
 #include <QPainter>
@@ -106,10 +107,8 @@ void x_paint_text(QPainter &painter, const RowLook &row, const QRect &column, in
     if (text.isEmpty())
         return;
     const bool path = number == FL_COLUMN_NAME || number == FL_COLUMN_LINK;
-    const Qt::Alignment side = number == FL_COLUMN_SIZE ? Qt::AlignRight : Qt::AlignLeft;
-    painter.drawText(area, static_cast<int>(side | Qt::AlignVCenter) | Qt::TextSingleLine,
-                     painter.fontMetrics().elidedText(text, path ? Qt::ElideMiddle : Qt::ElideRight,
-                                                      area.width()));
+    fl_text_draw(painter, area, number == FL_COLUMN_SIZE ? Qt::AlignRight : Qt::AlignLeft, text,
+                 path ? Qt::ElideMiddle : Qt::ElideRight);
 }
 
 void x_paint_image(QPainter &painter, const FlView &view, const RowLook &row, const QRect &column)
