@@ -1,10 +1,13 @@
 // The toolkit's style with what it lacks for us: boxes to check that can be seen on a dark window,
-// and an image of a bar's extension that needs no image plugin at every start.
+// flat bars and headers, and an image of a bar's extension that needs no image plugin at
+// every start.
 #include "platform/style.h"
 
 #include "platform/res.h"
+#include "platform/style_flat.h"
 
 #include <QApplication>
+#include <QPainter>
 #include <QProxyStyle>
 #include <QStyleOption>
 
@@ -13,7 +16,7 @@ namespace tav {
 namespace {
 
 constexpr int DARK = 128;   // a window's colour below this lightness is dark
-constexpr int LIFTED = 150; // what its inside is lightened by
+constexpr int LIFTED = 150; // what its inside is lightened by, in percent
 
 bool x_is_dark(const QPalette &palette)
 {
@@ -27,10 +30,13 @@ public:
     void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                        const QWidget *widget) const override
     {
+        if (element == PE_PanelScrollAreaCorner && x_is_known()) {
+            painter->fillRect(option->rect, option->palette.color(QPalette::Window));
+            return;
+        }
         const bool box = element == PE_IndicatorCheckBox || element == PE_IndicatorRadioButton;
         const auto *button = qstyleoption_cast<const QStyleOptionButton *>(option);
-        if (!box || !button || !x_is_dark(option->palette) ||
-            !baseStyle()->inherits("QFusionStyle")) {
+        if (!box || !button || !x_is_dark(option->palette) || !x_is_known()) {
             QProxyStyle::drawPrimitive(element, option, painter, widget);
             return;
         }
@@ -42,6 +48,41 @@ public:
         QProxyStyle::drawPrimitive(element, &lifted, painter, widget);
     }
 
+    void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
+                     const QWidget *widget) const override
+    {
+        const bool known = x_is_known();
+        const auto *bar = qstyleoption_cast<const QStyleOptionToolBar *>(option);
+        const auto *header = qstyleoption_cast<const QStyleOptionHeader *>(option);
+        if (known && element == CE_ToolBar && bar && bar->toolBarArea == Qt::TopToolBarArea)
+            style_flat_tool_bar(*bar, *painter);
+        else if (known && element == CE_HeaderSection && header &&
+                 header->orientation == Qt::Horizontal)
+            style_flat_header(*header, *painter);
+        else
+            QProxyStyle::drawControl(element, option, painter, widget);
+    }
+
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex *option,
+                            QPainter *painter, const QWidget *widget) const override
+    {
+        const auto *bar = qstyleoption_cast<const QStyleOptionSlider *>(option);
+        if (control == CC_ScrollBar && bar && x_is_known())
+            style_flat_scroll_bar(*bar, subControlRect(control, bar, SC_ScrollBarSlider, widget),
+                                  *painter);
+        else
+            QProxyStyle::drawComplexControl(control, option, painter, widget);
+    }
+
+    QRect subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl part,
+                         const QWidget *widget) const override
+    {
+        const auto *bar = qstyleoption_cast<const QStyleOptionSlider *>(option);
+        if (control == CC_ScrollBar && bar && x_is_known())
+            return style_flat_scroll_part(*bar, part, pixelMetric(PM_ScrollBarSliderMin, bar));
+        return QProxyStyle::subControlRect(control, option, part, widget);
+    }
+
     QIcon standardIcon(StandardPixmap pixmap, const QStyleOption *option,
                        const QWidget *widget) const override
     {
@@ -49,6 +90,10 @@ public:
             return res_image("more");
         return QProxyStyle::standardIcon(pixmap, option, widget);
     }
+
+private:
+    // Whether it is the toolkit's own style that is below: a desktop's own is left as it is.
+    bool x_is_known() const { return baseStyle()->inherits("QFusionStyle"); }
 };
 
 } // namespace

@@ -1,0 +1,111 @@
+#include "platform/style_flat.h"
+
+#include <QPainter>
+#include <QStyleOption>
+#include <algorithm>
+
+namespace tav {
+
+namespace {
+
+constexpr int sLit = 104;        // what a bar's upper edge is lightened by, in percent
+constexpr int sPressed = 110;    // what a header is darkened by while it is pressed, in percent
+constexpr int sLine = 60;        // how much of the text's colour a header's lines have, of 255
+constexpr int sLineMargin = 3;   // pixels above and below the line between two headers
+constexpr int sSliderMargin = 3; // pixels between a slider and the sides of its bar
+
+// How much of the text's colour a slider has, of 255.
+constexpr int sSlider = 80;
+constexpr int sSliderHovered = 120;
+constexpr int sSliderHeld = 150;
+
+QColor x_slider_colour(const QStyleOptionSlider &bar)
+{
+    const bool meant = bar.activeSubControls & QStyle::SC_ScrollBarSlider;
+    const bool held = meant && (bar.state & QStyle::State_Sunken);
+    const bool hovered = meant && (bar.state & QStyle::State_MouseOver);
+    QColor colour = bar.palette.color(QPalette::WindowText);
+    colour.setAlpha(held ? sSliderHeld : hovered ? sSliderHovered : sSlider);
+    return colour;
+}
+
+} // namespace
+
+void style_flat_tool_bar(const QStyleOptionToolBar &bar, QPainter &painter)
+{
+    const QRect &area = bar.rect;
+    const QColor window = bar.palette.color(QPalette::Window);
+    QLinearGradient gradient(area.topLeft(), area.bottomLeft());
+    gradient.setColorAt(0, window.lighter(sLit));
+    gradient.setColorAt(1, window);
+    painter.fillRect(area, gradient);
+    const bool last = bar.positionOfLine == QStyleOptionToolBar::End ||
+                      bar.positionOfLine == QStyleOptionToolBar::OnlyOne;
+    const QColor light(255, 255, 255, 90);
+    const QColor shadow(0, 0, 0, 60);
+    painter.fillRect(area.left(), area.top(), area.width(), 1, light);
+    painter.fillRect(area.left(), area.bottom() - last, area.width(), 1, shadow);
+    if (last)
+        painter.fillRect(area.left(), area.bottom(), area.width(), 1, light);
+}
+
+void style_flat_header(const QStyleOptionHeader &header, QPainter &painter)
+{
+    const QRect &area = header.rect;
+    QColor ground = header.palette.color(QPalette::Button);
+    if (header.state & QStyle::State_Sunken)
+        ground = ground.darker(sPressed);
+    else if (header.state & QStyle::State_MouseOver)
+        ground = ground.lighter(sLit);
+    painter.fillRect(area, ground);
+    QColor line = header.palette.color(QPalette::ButtonText);
+    line.setAlpha(sLine);
+    painter.fillRect(area.left(), area.bottom(), area.width(), 1, line);
+    painter.fillRect(area.right(), area.top() + sLineMargin, 1, area.height() - 2 * sLineMargin,
+                     line);
+}
+
+void style_flat_scroll_bar(const QStyleOptionSlider &bar, const QRect &slider, QPainter &painter)
+{
+    painter.fillRect(bar.rect, bar.palette.color(QPalette::Window));
+    if (bar.maximum <= bar.minimum || !(bar.state & QStyle::State_Enabled))
+        return;
+    const bool flat = bar.orientation == Qt::Horizontal;
+    painter.fillRect(flat ? slider.adjusted(0, sSliderMargin, 0, -sSliderMargin)
+                          : slider.adjusted(sSliderMargin, 0, -sSliderMargin, 0),
+                     x_slider_colour(bar));
+}
+
+QRect style_flat_scroll_part(const QStyleOptionSlider &bar, QStyle::SubControl part,
+                             int slider_least)
+{
+    const bool flat = bar.orientation == Qt::Horizontal;
+    const int length = flat ? bar.rect.width() : bar.rect.height();
+    const qint64 range = qint64(bar.maximum) - bar.minimum;
+    const qint64 share = length * qint64(bar.pageStep) / std::max<qint64>(1, range + bar.pageStep);
+    const int slider =
+        range > 0
+            ? static_cast<int>(std::min<qint64>(length, std::max<qint64>(share, slider_least)))
+            : length;
+    const int start = QStyle::sliderPositionFromValue(bar.minimum, bar.maximum, bar.sliderPosition,
+                                                      length - slider, bar.upsideDown);
+    const auto piece = [&](int from, int to) {
+        const QRect area = flat ? QRect(from, 0, to - from, bar.rect.height())
+                                : QRect(0, from, bar.rect.width(), to - from);
+        return QStyle::visualRect(bar.direction, bar.rect, area.translated(bar.rect.topLeft()));
+    };
+    switch (part) {
+    case QStyle::SC_ScrollBarGroove:
+        return bar.rect;
+    case QStyle::SC_ScrollBarSlider:
+        return piece(start, start + slider);
+    case QStyle::SC_ScrollBarSubPage:
+        return piece(0, start);
+    case QStyle::SC_ScrollBarAddPage:
+        return piece(start + slider, length);
+    default:
+        return {};
+    }
+}
+
+} // namespace tav

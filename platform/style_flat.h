@@ -1,0 +1,25 @@
+// Flat tool bars, headers and scroll bars for the toolkit's own style. That draws the lines of its
+// bevels dot by dot and hands the dots of a long one to threads, which costs more than all the rest
+// of a window's first picture.
+#pragma once
+
+#include <QRect>
+#include <QStyle>
+
+class QPainter;
+class QStyleOptionHeader;
+class QStyleOptionSlider;
+class QStyleOptionToolBar;
+
+namespace tav {
+
+void style_flat_tool_bar(const QStyleOptionToolBar &bar, QPainter &painter);
+void style_flat_header(const QStyleOptionHeader &header, QPainter &painter);
+void style_flat_scroll_bar(const QStyleOptionSlider &bar, const QRect &slider, QPainter &painter);
+
+// The place of a part of a scroll bar, which has no arrows; slider_least is the shortest slider, in
+// pixels.
+QRect style_flat_scroll_part(const QStyleOptionSlider &bar, QStyle::SubControl part,
+                             int slider_least);
+
+} // namespace tav
