@@ -1,6 +1,7 @@
 // The toolbars' combo box.
 #include "views/tb_box.h"
 
+#include <QCompleter>
 #include <QKeyEvent>
 #include <QWheelEvent>
 
@@ -41,9 +42,9 @@ void TbEdit::keyPressEvent(QKeyEvent *event)
 
 TbBox::TbBox(QWidget *parent) : QComboBox(parent), edit_(new TbEdit(this))
 {
-    setEditable(true);
+    edit_->setCompleter(new QCompleter(edit_)); // else the box makes one of its entries, at a cost
     setLineEdit(edit_);
-    setCompleter(nullptr);
+    delete edit_->completer();
     setInsertPolicy(NoInsert);
     setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
     setMinimumContentsLength(8);

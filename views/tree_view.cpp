@@ -120,6 +120,8 @@ TreeView::TreeView(QWidget *parent) : QTreeWidget(parent)
     setAcceptDrops(true);
     setDragDropMode(DragDrop);
     setDropIndicatorShown(false); // drawn here: only top-level rows are places
+    header()->setMinimumSectionSize(
+        0); // the default asks for the font, whose loading takes a while
     header()->setStretchLastSection(false);
     header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     header()->setResizeContentsPrecision(0);
