@@ -6,6 +6,7 @@
 #include <QPixmap>
 #include <QProxyStyle>
 #include <QRadioButton>
+#include <QScrollBar>
 #include <QStyle>
 #include <QTest>
 
@@ -67,6 +68,69 @@ private Q_SLOTS:
     {
         const auto *ours = qobject_cast<QProxyStyle *>(QApplication::style());
         QVERIFY(ours && ours->baseStyle()->inherits("QFusionStyle"));
+    }
+
+    // By its mouse alone, as a person uses it.
+    void a_scroll_bar_is_dragged_and_paged_data()
+    {
+        QTest::addColumn<Qt::Orientation>("orientation");
+        QTest::addColumn<Qt::LayoutDirection>("direction");
+        QTest::newRow("upright") << Qt::Vertical << Qt::LeftToRight;
+        QTest::newRow("flat") << Qt::Horizontal << Qt::LeftToRight;
+        QTest::newRow("flat, from the right") << Qt::Horizontal << Qt::RightToLeft;
+    }
+    void a_scroll_bar_is_dragged_and_paged()
+    {
+        QFETCH(Qt::Orientation, orientation);
+        QFETCH(Qt::LayoutDirection, direction);
+        const bool upright = orientation == Qt::Vertical;
+        QScrollBar bar(orientation);
+        bar.setLayoutDirection(direction);
+        bar.setRange(0, 900);
+        bar.setPageStep(100); // the slider takes a tenth
+        bar.resize(upright ? QSize(14, 400) : QSize(400, 14));
+        bar.show();
+        // A point that many pixels from the bar's beginning.
+        const auto at = [&](int along) {
+            const int x = direction == Qt::RightToLeft ? 399 - along : along;
+            return upright ? QPoint(7, along) : QPoint(x, 7);
+        };
+        QTest::mouseClick(&bar, Qt::LeftButton, {}, at(200));
+        QCOMPARE(bar.value(), 100); // a page on
+        QTest::mouseClick(&bar, Qt::LeftButton, {}, at(2));
+        QCOMPARE(bar.value(), 0); // a page back
+        QTest::mousePress(&bar, Qt::LeftButton, {}, at(20));
+        QTest::mouseMove(&bar, at(200));
+        QCOMPARE(bar.value(), 450);
+        QTest::mouseMove(&bar, at(399));
+        QTest::mouseRelease(&bar, Qt::LeftButton, {}, at(399));
+        QCOMPARE(bar.value(), 900);
+        QTest::mouseClick(&bar, Qt::LeftButton, {}, at(395)); // on the slider
+        QCOMPARE(bar.value(), 900);
+    }
+
+    void the_slider_of_a_million_rows_can_be_taken()
+    {
+        QScrollBar bar(Qt::Vertical);
+        bar.setRange(0, 22'000'000);
+        bar.setPageStep(500);
+        bar.resize(14, 400);
+        bar.show();
+        QTest::mousePress(&bar, Qt::LeftButton, {}, {7, 10});
+        QTest::mouseMove(&bar, {7, 399});
+        QTest::mouseRelease(&bar, Qt::LeftButton, {}, {7, 399});
+        QCOMPARE(bar.value(), 22'000'000);
+    }
+
+    void what_cannot_be_scrolled_has_no_slider()
+    {
+        QScrollBar bar(Qt::Vertical);
+        bar.resize(14, 400);
+        bar.setRange(0, 0);
+        const QColor ground = bar.grab().toImage().pixelColor(7, 200);
+        QCOMPARE(ground, bar.palette().color(QPalette::Window));
+        bar.setRange(0, 100);
+        QVERIFY(bar.grab().toImage().pixelColor(7, 2) != ground);
     }
 
     void a_bar_that_is_too_short_has_an_image_for_the_rest()

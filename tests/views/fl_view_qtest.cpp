@@ -241,6 +241,22 @@ private Q_SLOTS:
         QCOMPARE(m_window->list->row_height(), before);
     }
 
+    // What a text looks like is kept between repaints, for one font.
+    void texts_look_the_same_again_and_follow_the_font()
+    {
+        show();
+        const auto look = [this] { return m_window->list->viewport()->grab().toImage(); };
+        const QFont font = m_window->list->font();
+        const QImage first = look();
+        QCOMPARE(look(), first);
+        QFont bold = font;
+        bold.setBold(true);
+        m_window->list->setFont(bold);
+        QVERIFY(look() != first);
+        m_window->list->setFont(font);
+        QCOMPARE(look(), first);
+    }
+
     void text_that_is_cut_off_is_told_whole_and_plain()
     {
         m_dir->file("<b>bold &amp; long enough to be cut off somewhere in the middle");
