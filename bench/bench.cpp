@@ -64,6 +64,8 @@ bool bench_wants(const std::string &name) { return name.find(sOnly) != std::stri
 
 bool bench_large() { return sLarge; }
 
+int bench_runs(const BenchRow &row) { return (sPairs > 0 ? sPairs : row.pairs) + 1; }
+
 double bench_seconds(const std::function<void()> &f)
 {
     auto start = std::chrono::steady_clock::now();
@@ -81,8 +83,7 @@ double bench_compare_values(const BenchRow &row, const std::function<double()> &
     std::vector<double> ratios;
     std::vector<double> our_values;
     std::vector<double> base_values;
-    int pairs = sPairs > 0 ? sPairs : row.pairs;
-    for (int i = 0; i < pairs; i++) {
+    for (int i = 1; i < bench_runs(row); i++) {
         // In turns who comes first: memory that the other has just given back is fast.
         double b = i % 2 ? baseline() : 0;
         double a = ours();

@@ -29,6 +29,7 @@ void bench_start(int argc, char **argv);
 
 bool bench_wants(const std::string &name); // the row is not filtered out; ask before costly set-up
 bool bench_large();                        // "--large" was given
+int bench_runs(const BenchRow &row);       // of each side, the one that only warms up included
 
 // Runs ours and baseline in turns and prints the row. The median ratio, or 0 when filtered out.
 double bench_compare(const BenchRow &row, const BenchSide &ours, const BenchSide &baseline);
@@ -65,6 +66,15 @@ const std::string &bench_directory(const BenchFiles &files, BenchPlace place);
 
 // An empty directory for the program's own use, removed with all it holds at the program's end.
 const std::string &bench_scratch(BenchPlace place);
+
+// Before a run that is to find nothing in memory: what is dirty is written, then all that the
+// kernel keeps is dropped, where this user may do that; else only the contents of the files at and
+// below path.
+void bench_forget(const std::string &path);
+
+// How the name of a row ends that is measured so: "_cold", or "_cold_contents" where names and
+// statuses stay in memory.
+const char *bench_cold();
 
 // The bare loop that reading is compared with: getdents64 and one fstatat per name. Bytes of all
 // sizes, so that nothing is left out; -1 when the directory cannot be read.

@@ -1,4 +1,5 @@
-// Directories to measure on, and the bare loop that reading them is compared with.
+// Directories to measure on, what makes them cold, and the bare loop that reading them is compared
+// with.
 #include "bench/bench.h"
 
 #include <cstdio>
@@ -130,6 +131,41 @@ const std::string &bench_directory(const BenchFiles &files, BenchPlace place)
         x_make_entry(dir, files, static_cast<unsigned>(i), last_file);
     close(dir);
     return sScratch.made[key] = path;
+}
+
+namespace {
+
+constexpr char DROP[] = "/proc/sys/vm/drop_caches";
+
+void x_forget_contents(const std::string &path)
+{
+    int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
+    if (fd == -1)
+        return;
+    fsync(fd);
+    posix_fadvise(fd, 0, 0, POSIX_FADV_DONTNEED);
+    close(fd);
+}
+
+} // namespace
+
+const char *bench_cold() { return access(DROP, W_OK) == 0 ? "_cold" : "_cold_contents"; }
+
+void bench_forget(const std::string &path)
+{
+    sync();
+    int drop = open(DROP, O_WRONLY | O_CLOEXEC);
+    bool dropped = drop != -1 && write(drop, "3", 1) == 1;
+    if (drop != -1)
+        close(drop);
+    if (dropped)
+        return;
+    x_forget_contents(path);
+    std::error_code error;
+    for (const auto &entry : std::filesystem::recursive_directory_iterator(path, error)) {
+        if (entry.is_regular_file(error) && !entry.is_symlink(error))
+            x_forget_contents(entry.path().string());
+    }
 }
 
 long long bench_getdents_loop(const char *path)

@@ -107,53 +107,87 @@ void x_make_large(const std::string &path)
     ::close(fd);
 }
 
-const char *x_place_name(BenchPlace place) { return place == BenchPlace::Disk ? "disk" : "tmpfs"; }
+// One row: with what was used last in memory, or, on a disk, cold.
+struct Measure {
+    BenchRow row;
+    BenchPlace place;
+    bool cold;
+};
 
-// Everything is copied first and removed last: a disk's file system is slow at making what was just
-// removed.
-void x_copy_row(const BenchRow &row, const std::string &source, const std::string &name,
-                const std::string &scratch)
+// The wanted rows of one measure. name: without the place.
+std::vector<Measure> x_measures(const std::string &name, BenchPlace place, double limit,
+                                int pairs = 5)
 {
-    if (!bench_wants(row.name))
-        return;
+    bool disk = place == BenchPlace::Disk;
+    const std::string warm = name + (disk ? "_disk" : "_tmpfs");
+    std::vector<Measure> wanted;
+    if (bench_wants(warm))
+        wanted.push_back({{warm, limit, pairs}, place, false});
+    if (disk && bench_wants(warm + bench_cold()))
+        wanted.push_back({{warm + bench_cold(), limit, pairs}, place, true});
+    return wanted;
+}
+
+// Before each run of either side the disk is at rest; a cold run then finds nothing in memory.
+void x_compare(const Measure &measure, const std::string &source, BenchSide ours, BenchSide other)
+{
+    for (BenchSide *side : {&ours, &other}) {
+        side->prepare = [&measure, &source, prepare = side->prepare] {
+            if (prepare)
+                prepare();
+            if (measure.cold)
+                bench_forget(source);
+            else if (measure.place == BenchPlace::Disk)
+                ::sync();
+        };
+    }
+    bench_compare(measure.row, ours, other);
+}
+
+// Small files are all copied first and removed last: a disk's file system is slow at making what
+// was just removed. Of a large file there is no room for many.
+void x_copy_row(const Measure &measure, const std::string &scratch, const std::string &name,
+                bool keep)
+{
     static int sTurn = 0;
     std::vector<std::string> made;
+    const std::string source = scratch + "/" + name;
     auto next = [&] {
         made.push_back(scratch + "/copy" + std::to_string(sTurn++));
         ::mkdir(made.back().c_str(), 0755);
     };
-    BenchSide ours{next, [&] { x_run_job(FOP_COPY, source, {name}, made.back()); }, {}};
-    BenchSide cp{next, [&] { x_program({"cp", "-a", source + "/" + name, made.back()}); }, {}};
-    bool keep = row.limit > 1.1; // of a large file there is no room for many
-    if (!keep) {
-        auto drop = [&] { x_remove(made.back()); };
-        ours.finish = drop;
-        cp.finish = drop;
-    }
-    bench_compare(row, ours, cp);
+    auto drop = [&] {
+        if (!keep)
+            x_remove(made.back());
+    };
+    BenchSide ours{next, [&] { x_run_job(FOP_COPY, scratch, {name}, made.back()); }, drop};
+    BenchSide cp{next, [&] { x_program({"cp", "-a", source, made.back()}); }, drop};
+    x_compare(measure, source, ours, cp);
     for (const std::string &path : made)
         x_remove(path);
 }
 
 void x_small(BenchPlace place)
 {
-    BenchRow row{std::string("copy_small_") + x_place_name(place), 1.2, 5};
-    if (!bench_wants(row.name))
+    const std::vector<Measure> measures = x_measures("copy_small", place, 1.2);
+    if (measures.empty())
         return;
     const std::string &scratch = bench_scratch(place);
     x_make_small(scratch + "/small", SMALL_FILES);
-    x_copy_row(row, scratch, "small", scratch);
+    for (const Measure &measure : measures)
+        x_copy_row(measure, scratch, "small", true);
     x_remove(scratch + "/small");
 }
 
 void x_large(BenchPlace place)
 {
-    BenchRow row{std::string("copy_large_") + x_place_name(place), 1.05, 5};
-    if (!bench_wants(row.name))
+    const std::vector<Measure> measures = x_measures("copy_large", place, 1.05);
+    if (measures.empty())
         return;
     const std::string &scratch = bench_scratch(place);
     x_make_large(scratch + "/large");
-    x_copy_row(row, scratch, "large", scratch);
+    for (const Measure &measure : measures)
+        x_copy_row(measure, scratch, "large", false);
     x_remove(scratch + "/large");
 }
 
@@ -174,8 +208,8 @@ bool x_mount_clone(const std::string &image, const std::string &top)
 
 void x_clone()
 {
-    BenchRow row{"copy_clone", 1.2, 15};
-    if (!bench_wants(row.name))
+    const std::vector<Measure> measures = x_measures("copy_clone", BenchPlace::Disk, 1.2, 15);
+    if (measures.empty())
         return;
     const std::string image = bench_scratch(BenchPlace::Disk) + "/image";
     const std::string top = bench_scratch(BenchPlace::Disk) + "/clone";
@@ -189,7 +223,8 @@ void x_clone()
                          x_program({"cp", "-a", "--reflink=always", top + "/large", top + "/to"});
                      },
                      drop};
-        bench_compare(row, ours, cp);
+        for (const Measure &measure : measures)
+            x_compare(measure, top + "/large", ours, cp);
         x_program({"umount", top});
     }
     ::unlink(image.c_str());
@@ -197,8 +232,8 @@ void x_clone()
 
 void x_move(BenchPlace place)
 {
-    BenchRow row{std::string("move_") + x_place_name(place), 1.5, 5};
-    if (!bench_wants(row.name))
+    const std::vector<Measure> measures = x_measures("move", place, 1.5);
+    if (measures.empty())
         return;
     const std::string top = bench_scratch(place);
     std::string from = top + "/from", to = top + "/to";
@@ -220,25 +255,37 @@ void x_move(BenchPlace place)
                        }
                    },
                    turn};
-    bench_compare(row, ours, loop);
+    for (const Measure &measure : measures)
+        x_compare(measure, top, ours, loop);
 }
 
+// All trees are made first, for the reason above.
 void x_delete(BenchPlace place)
 {
-    BenchRow row{std::string("delete_") + x_place_name(place), 1.2, 5};
-    if (!bench_wants(row.name))
-        return;
-    const std::string top = bench_scratch(place);
-    auto make = [&] { x_make_small(top + "/tree", SMALL_FILES); };
-    BenchSide ours{make, [&] { x_run_job(FOP_DELETE, top, {"tree"}, ""); }, {}};
-    BenchSide rm{make, [&] { x_program({"rm", "-rf", top + "/tree"}); }, {}};
-    bench_compare(row, ours, rm);
+    const std::string &top = bench_scratch(place);
+    const std::vector<Measure> measures = x_measures("delete", place, 1.2);
+    std::vector<std::string> trees;
+    for (const Measure &measure : measures) {
+        for (int i = 0; i < 2 * bench_runs(measure.row); i++) {
+            trees.push_back("tree" + std::to_string(trees.size()));
+            x_make_small(top + "/" + trees.back(), SMALL_FILES);
+        }
+    }
+    std::string tree;
+    auto next = [&] {
+        tree = trees.back();
+        trees.pop_back();
+    };
+    BenchSide ours{next, [&] { x_run_job(FOP_DELETE, top, {tree}, ""); }, {}};
+    BenchSide rm{next, [&] { x_program({"rm", "-rf", top + "/" + tree}); }, {}};
+    for (const Measure &measure : measures)
+        x_compare(measure, top, ours, rm);
 }
 
 void x_scan()
 {
-    BenchRow row{"scan_200000", 1.2, 5};
-    if (!bench_wants(row.name))
+    const std::vector<Measure> measures = x_measures("scan_200000", BenchPlace::Disk, 1.2);
+    if (measures.empty())
         return;
     const std::string top = bench_scratch(BenchPlace::Disk) + "/scan";
     x_make_small(top, 0);
@@ -258,7 +305,8 @@ void x_scan()
                    },
                    {}};
     BenchSide find{{}, [&] { x_program({"find", top, "-fprintf", "/dev/null", "%s\n"}); }, {}};
-    bench_compare(row, ours, find);
+    for (const Measure &measure : measures)
+        x_compare(measure, top, ours, find);
     x_remove(top);
 }
 
@@ -306,10 +354,11 @@ int main(int argc, char **argv)
         x_small(place);
         x_large(place);
         x_move(place);
-        x_delete(place);
     }
     x_clone();
     x_scan();
+    for (BenchPlace place : {BenchPlace::Memory, BenchPlace::Disk})
+        x_delete(place);
     x_memory();
     return 0;
 }

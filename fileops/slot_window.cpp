@@ -105,6 +105,18 @@ void x_fill(Ui::slot &form, SlotWidgets &slot, QWidget *pane)
             form.slot_to_text,      form.slot_n_text,      form.cancel_button,  pane};
 }
 
+// A button that is down stands out, on dark windows too.
+void x_show_down(QWidget *button, bool down)
+{
+    QPalette palette;
+    if (down) {
+        const QPalette usual = QApplication::palette();
+        palette.setColor(QPalette::Button, usual.color(QPalette::Highlight));
+        palette.setColor(QPalette::ButtonText, usual.color(QPalette::HighlightedText));
+    }
+    button->setPalette(palette);
+}
+
 void x_set_up(Ui::slot &form, QWidget *pane)
 {
     QFont bold = form.slot_header_text->font();
@@ -121,7 +133,10 @@ void x_set_up(Ui::slot &form, QWidget *pane)
     form.slot_answer->setSizePolicy(policy);
     form.slot_answer->hide();
     QObject::connect(form.slot_pause, &QPushButton::toggled, pane,
-                     [button = form.slot_pause] { slot_pause_cb(button); });
+                     [button = form.slot_pause](bool down) {
+                         slot_pause_cb(button);
+                         x_show_down(button, down);
+                     });
     QObject::connect(form.cancel_button, &QPushButton::clicked, pane,
                      [button = form.cancel_button] { slot_cancel_cb(button); });
     QObject::connect(form.slot_answer, &QPushButton::clicked, pane,

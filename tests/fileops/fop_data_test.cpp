@@ -100,6 +100,52 @@ TEST_F(FopData, abort_and_pause_are_looked_at_before_each_chunk)
     EXPECT_TRUE(dir.all("dst").empty());
 }
 
+TEST_F(FopData, abort_is_looked_at_before_each_read_and_write)
+{
+    dir.file("src/a", std::string(10 * 32768, 'x'));
+    gFopSys.copy_range = [](int, int, size_t) -> ssize_t {
+        errno = EXDEV;
+        return -1;
+    };
+    static bool sInRead;
+    for (bool in_read : {true, false}) {
+        sInRead = in_read;
+        gFopSys.read = [](int fd, void *bytes, size_t size) {
+            sJob->abort = sInRead;
+            sChunks.push_back(size);
+            return gFopSysReal.read(fd, bytes, size);
+        };
+        gFopSys.write = [](int fd, const void *bytes, size_t size) {
+            EXPECT_FALSE(sInRead) << "written after the abort";
+            sJob->abort = 1;
+            return gFopSysReal.write(fd, bytes, size);
+        };
+        sChunks.clear();
+        driver.copy(dir, {"a"});
+        EXPECT_EQ(sChunks.size(), 1u);
+        EXPECT_TRUE(dir.all("dst").empty());
+    }
+}
+
+TEST_F(FopData, until_it_is_complete_there_is_the_old_file_or_none)
+{
+    for (const char *name : {"src/a", "src/b"})
+        dir.file(name, std::string(3 * MIB, 'x'));
+    dir.file("dst/a", "old");
+    int looked = 0;
+    driver.on_update = [&](const FopUpdate &update) {
+        if (update.from_name || update.percent <= 0 || update.percent == 100)
+            return;
+        looked++;
+        bool second = update.percent > 50;
+        EXPECT_EQ(dir.status("dst/a").st_size, second ? 3 << 20 : 3) << "a";
+        EXPECT_EQ(dir.all("dst").size(), 1u) << "b";
+    };
+    driver.copy(dir, {"a", "b"}, FOP_OVERWRITE);
+    EXPECT_GT(looked, 1);
+    EXPECT_TRUE(dir.all("dst") == dir.all("src"));
+}
+
 TEST_F(FopData, small_files_go_through_the_buffer_of_the_job)
 {
     for (const char *name : {"src/a", "src/b"})

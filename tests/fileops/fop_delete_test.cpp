@@ -87,6 +87,19 @@ TEST_F(FopDelete, abort_ends_the_job)
     EXPECT_TRUE(driver.finished_done);
 }
 
+TEST_F(FopDelete, abort_is_looked_at_before_each_name)
+{
+    for (const char *name : {"src/a", "src/b", "src/c"})
+        dir.file(name, "1");
+    FileOp *running = nullptr;
+    driver.on_created = [&](FileOp &job) { running = &job; };
+    driver.on_update = [&](const FopUpdate &update) {
+        running->abort = update.to_name && std::strcmp(update.to_name, "b") == 0;
+    };
+    driver.remove(dir, {"a", "b", "c"});
+    EXPECT_EQ(dir.all("src"), (std::map<std::string, std::string>{{"a", "file 1"}}));
+}
+
 TEST_F(FopDelete, every_file_is_asked_about_when_that_is_wanted)
 {
     dir.file("src/a", "1");
@@ -262,6 +275,19 @@ TEST_F(FopScan, an_aborted_scan_shows_done)
     driver.on_created = [](FileOp &job) { job.abort = 1; };
     driver.copy(dir, {"d"});
     EXPECT_TRUE(driver.finished_done);
+    EXPECT_TRUE(dir.all("dst").empty());
+}
+
+TEST_F(FopScan, abort_is_looked_at_before_each_entry)
+{
+    dir.dir("src/d");
+    for (int i = 0; i < 50; i++)
+        dir.file("src/d/" + std::to_string(i), "1");
+    FileOp *running = nullptr;
+    driver.on_created = [&](FileOp &job) { running = &job; };
+    driver.on_update = [&](const FopUpdate &) { running->abort = running->n_items == 10; };
+    driver.copy(dir, {"d"});
+    EXPECT_EQ(driver.n_items, 10);
     EXPECT_TRUE(dir.all("dst").empty());
 }
 
