@@ -12,8 +12,6 @@
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QScrollArea>
-#include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <cerrno>
@@ -149,45 +147,6 @@ private Q_SLOTS:
         QCOMPARE(read("dst/a"), QByteArray("new"));
         QCOMPARE(sRefreshes, 1);
         QCOMPARE(sExits, 0);
-    }
-
-    void the_newest_is_on_top_and_all_are_of_one_height()
-    {
-        sHold = true;
-        for (int i = 0; i < 3; i++)
-            QCOMPARE(start(FOP_DELETE, i == 2 ? "b" : "a"), 0);
-        QTRY_COMPARE(panes().size(), 3);
-        QTRY_VERIFY(panes()[0]->y() == 0 && panes()[1]->y() == panes()[0]->height());
-        QCOMPARE(panes()[2]->y(), 2 * panes()[0]->height());
-        QCOMPARE(window()->findChild<QScrollArea *>()->height(), 3 * panes()[0]->height());
-    }
-
-    void many_slots_scroll_by_whole_slots()
-    {
-        sHold = true;
-        for (int i = 0; i < SLOT_MAX; i++)
-            QCOMPARE(start(FOP_COPY, "a"), 0);
-        QTRY_COMPARE(panes().size(), SLOT_MAX);
-        auto *holder = window()->findChild<QScrollArea *>();
-        const int height = panes()[0]->height();
-        QTRY_VERIFY(holder->verticalScrollBar()->maximum() > 0);
-        QCOMPARE(holder->verticalScrollBar()->singleStep(), height);
-        QCOMPARE(holder->height() % height, 0);
-        QVERIFY(holder->height() <=
-                window()->screen()->availableGeometry().height() - SLOT_SCREEN_REST);
-    }
-
-    void a_window_that_grows_stays_on_the_screen()
-    {
-        sHold = true;
-        QCOMPARE(start(FOP_COPY, "a"), 0);
-        QTRY_COMPARE(panes().size(), 1);
-        const QRect screen = window()->screen()->availableGeometry();
-        window()->move(screen.right() - 100, screen.bottom() - window()->height());
-        QCOMPARE(start(FOP_COPY, "b"), 0);
-        QTRY_COMPARE(panes().size(), 2);
-        const QRect frame = window()->frameGeometry();
-        QVERIFY(screen.contains(frame));
     }
 
     void the_51st_is_not_started()

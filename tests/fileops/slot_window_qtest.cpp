@@ -2,9 +2,13 @@
 #include "fileops/slot.h"
 #include "fileops/slot_window.h"
 
+#include <QApplication>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
 
 using namespace tav;
@@ -14,6 +18,8 @@ class SlotWindowTest : public QObject {
 
     SlotWidgets slot_{};
     QLabel *label(void *widget) const { return static_cast<QLabel *>(widget); }
+    static QWidget *pane(const SlotWidgets &slot) { return static_cast<QWidget *>(slot.slot); }
+    QScrollArea *holder() const { return pane(slot_)->window()->findChild<QScrollArea *>(); }
     // Where the path of a line begins, from the line's left.
     int path_begin(void *line, const QString &word) const
     {
@@ -30,6 +36,61 @@ private Q_SLOTS:
         int nothing;
         QCOMPARE(slot_remove(&nothing), -1);
         QCOMPARE(slot_count(), 1);
+    }
+
+    void the_newest_is_on_top_and_all_are_of_one_height()
+    {
+        const QWidget *first = pane(slot_);
+        const int height = first->height();
+        SlotWidgets second{}, third{};
+        QVERIFY(slot_add(second) && slot_add(third));
+        QTRY_VERIFY(pane(third)->y() == 0 && pane(second)->y() == height);
+        QCOMPARE(first->y(), 2 * height);
+        QCOMPARE(holder()->height(), 3 * height);
+        slot_remove(second.slot);
+        QTRY_COMPARE(first->y(), height);
+        slot_remove(third.slot);
+        QTRY_COMPARE(first->y(), 0);
+        QCOMPARE(holder()->height(), height);
+    }
+
+    void many_slots_scroll_by_whole_slots()
+    {
+        const int width = holder()->width();
+        SlotWidgets others[SLOT_MAX - 1];
+        for (SlotWidgets &other : others)
+            QVERIFY(slot_add(other));
+        const int height = pane(slot_)->height();
+        QTRY_VERIFY(holder()->verticalScrollBar()->maximum() > 0);
+        QCOMPARE(holder()->verticalScrollBar()->singleStep(), height);
+        QCOMPARE(holder()->height() % height, 0);
+        QVERIFY(holder()->height() <=
+                holder()->screen()->availableGeometry().height() - SLOT_SCREEN_REST);
+        QCOMPARE(holder()->width(), width + SLOT_SCROLL_BAR);
+        for (const SlotWidgets &other : others)
+            slot_remove(other.slot);
+    }
+
+    void a_window_that_grows_stays_on_the_screen()
+    {
+        QWidget *window = holder()->window();
+        const QRect screen = window->screen()->availableGeometry();
+        window->move(screen.right() - 100, screen.bottom() - window->height());
+        SlotWidgets second{};
+        QVERIFY(slot_add(second));
+        QVERIFY(screen.contains(window->frameGeometry()));
+        slot_remove(second.slot);
+    }
+
+    void a_pause_that_is_down_stands_out()
+    {
+        auto *pause = pane(slot_)->findChild<QPushButton *>(QStringLiteral("slot_pause"));
+        const QColor up = pause->palette().color(QPalette::Button);
+        pause->setChecked(true);
+        QCOMPARE(pause->palette().color(QPalette::Button),
+                 QApplication::palette().color(QPalette::Highlight));
+        pause->setChecked(false);
+        QCOMPARE(pause->palette().color(QPalette::Button), up);
     }
 
     void the_first_look_is_shown_and_the_next_waits_for_its_turn()
@@ -80,9 +141,7 @@ private Q_SLOTS:
         QCOMPARE(label(slot_.slot_time_text)->text(), QStringLiteral("1:10 minutes"));
         QCOMPARE(label(slot_.slot_n_text)->text(), QStringLiteral("3 of 3"));
         QCOMPARE(static_cast<QProgressBar *>(slot_.slot_progress_bar)->value(), 40);
-        QVERIFY(static_cast<QWidget *>(slot_.slot)
-                    ->findChild<QPushButton *>(QStringLiteral("slot_answer"))
-                    ->isVisible());
+        QVERIFY(pane(slot_)->findChild<QPushButton *>(QStringLiteral("slot_answer"))->isVisible());
     }
 
     void both_paths_begin_below_each_other()
