@@ -46,6 +46,7 @@ namespace rows {
 inline void as_it_is() {}
 inline void a_file() { Window::select({"a.c"}); }
 inline void a_directory() { Window::select({"docs"}); }
+inline void an_unknown_file() { Window::select({"thing"}); }
 inline void two_directories() { Window::select({"docs", "more"}); }
 inline void nothing() { Window::select({}); }
 inline void a_clipboard()
@@ -67,6 +68,11 @@ inline void empty_hotlist()
     tree_build(tree_view());
 }
 inline void a_leaf_in_the_hotlist() { tree_set_paths({gRows.window->dir.at("shown/docs")}); }
+inline void a_file_and_a_leaf()
+{
+    a_leaf_in_the_hotlist();
+    a_file();
+}
 inline void sortable_hotlist()
 {
     tree_set_paths({"/usr", "/"});
@@ -98,11 +104,12 @@ inline bool submenu_up(const char *name)
 }
 inline bool cut_is_there() { return clip_files() && clip_files()->cut; }
 inline bool copy_is_there() { return clip_files() && !clip_files()->cut; }
-inline bool asks_to_delete()
+inline bool asks(const char *title)
 {
     const QList<QMessageBox *> boxes = boxes_standing();
-    return !boxes.isEmpty() && boxes.first()->windowTitle() == QLatin1String("Delete");
+    return !boxes.isEmpty() && boxes.first()->windowTitle() == QLatin1String(title);
 }
+inline bool asks_to_delete() { return asks("Delete"); }
 
 } // namespace rows
 
@@ -178,6 +185,60 @@ inline const RowCase gRowCases[] = {
     {"hcm_delete", rows::on_a_hotlist_row, rows::beside_the_hotlist_rows, rows::hotlist_changed},
     {"hcm_sort", rows::sortable_hotlist, nullptr, [] { return gTree.paths.front() != gRows.first; }},
 };
+
+// What the list's context menu gets when it opens; where a row must not act it is not there.
+inline const RowCase gRunTimeCases[] = {
+    {"lcm_open", rows::a_file, rows::an_unknown_file, rows::started},
+    {"lcm_open_another", rows::a_directory, rows::a_file, rows::started},
+    {"lcm_view", rows::a_file, rows::a_directory, rows::started},
+    {"lcm_edit", rows::a_file, rows::a_directory, rows::started},
+    {"lcm_open_with", rows::a_file, rows::a_directory,
+     [] { return dialog_up("open_with") != nullptr; }},
+    {"lcm_print", rows::a_file, rows::a_directory, rows::started},
+    {"lcm_cut", rows::a_file, rows::nothing, rows::cut_is_there},
+    {"lcm_copy", rows::a_file, rows::nothing, rows::copy_is_there},
+    {"lcm_paste", rows::a_clipboard, rows::nothing, [] { return !gJobs.empty(); }},
+    {"lcm_delete", rows::a_file, rows::nothing, rows::asks_to_delete},
+    {"lcm_rename", rows::a_file, rows::two_directories,
+     [] { return dialog_up("property_dlg") != nullptr; }},
+    {"mgen_copy_to", rows::a_file, rows::nothing,
+     [] { return rows::submenu_up("mgen_copy_to_menu"); }},
+    {"mgen_copy_to_other", rows::a_file, rows::nothing,
+     [] { return dialog_up("input_dest") != nullptr; }},
+    {"mgen_copy_to_root", rows::a_file_and_a_leaf, rows::empty_hotlist,
+     [] { return rows::asks("copy"); }},
+    {"mgen_move_to", rows::a_file, rows::nothing,
+     [] { return rows::submenu_up("mgen_move_to_menu"); }},
+    {"mgen_move_to_other", rows::a_file, rows::nothing,
+     [] { return dialog_up("input_dest") != nullptr; }},
+    {"mgen_move_to_root", rows::a_file_and_a_leaf, rows::empty_hotlist,
+     [] { return rows::asks("move"); }},
+    {"lcm_inspect", rows::a_file, rows::nothing,
+     [] { return dialog_up("property_dlg") != nullptr; }},
+};
 // clang-format on
+
+// The same as a table; "mgen_copy_to_root" and its like stand for the first directory.
+inline constexpr MenuRow gRunTimeRows[] = {
+    menu_command(1, "lcm_open", "", nullptr),
+    menu_command(1, "lcm_open_another", "", nullptr),
+    menu_command(1, "lcm_view", "", nullptr),
+    menu_command(1, "lcm_edit", "", nullptr),
+    menu_command(1, "lcm_open_with", "", nullptr),
+    menu_command(1, "lcm_print", "", nullptr),
+    menu_command(1, "lcm_cut", "", nullptr),
+    menu_command(1, "lcm_copy", "", nullptr),
+    menu_command(1, "lcm_paste", "", nullptr),
+    menu_command(1, "lcm_delete", "", nullptr),
+    menu_command(1, "lcm_rename", "", nullptr),
+    menu_submenu(1, "mgen_copy_to", ""),
+    menu_command(2, "mgen_copy_to_other", "", nullptr),
+    menu_command(2, "mgen_copy_to_root", "", nullptr),
+    menu_submenu(1, "mgen_move_to", ""),
+    menu_command(2, "mgen_move_to_other", "", nullptr),
+    menu_command(2, "mgen_move_to_root", "", nullptr),
+    menu_command(1, "lcm_inspect", "", nullptr),
+    MENU_END,
+};
 
 } // namespace tav::test

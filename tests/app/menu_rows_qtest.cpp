@@ -5,6 +5,7 @@
 #include "app/about.h"
 #include "commands/dtm_menu.h"
 #include "commands/fm_dlg.h"
+#include "commands/lcm.h"
 #include "fileops/slot.h"
 
 #include <QAbstractScrollArea>
@@ -37,6 +38,9 @@ int x_bar_tables()
 const RowCase *x_case(const char *name)
 {
     for (const RowCase &one : gRowCases)
+        if (strcmp(one.name, name) == 0)
+            return &one;
+    for (const RowCase &one : gRunTimeCases)
         if (strcmp(one.name, name) == 0)
             return &one;
     return nullptr;
@@ -84,7 +88,10 @@ QAction *x_item(const QMenu *menu, const MenuRow &row)
 {
     QAction *found = nullptr;
     bool below = false;
+    const bool root = strstr(row.name, "_root") != nullptr;
     for (QAction *action : menu->actions()) {
+        if (root && qobject_cast<DtmAnyItem *>(action))
+            return action;
         below = below || action->objectName() == QLatin1String(row.name);
         if (row.kind != MENU_FUNCTION && action->objectName() == QLatin1String(row.name))
             return action;
@@ -129,9 +136,11 @@ class MenuRowsTest : public QObject {
     {
         QWidget *area = view->viewport();
         const auto *tree = qobject_cast<const QTreeWidget *>(view);
-        const QPoint place = tree && tree->currentItem()
-                                 ? tree->visualItemRect(tree->currentItem()).center()
-                                 : QPoint(area->width() / 2, area->height() - 5);
+        QPoint place(area->width() / 2, area->height() - 5);
+        if (tree && tree->currentItem())
+            place = tree->visualItemRect(tree->currentItem()).center();
+        if (!tree && gDir.nselected > 0)
+            place = fl_view()->row_rect(fl_row_of_index(gDir.current)).center();
         if (by_mouse)
             QTest::mouseClick(area, Qt::RightButton, {}, place);
         const auto reason = by_mouse ? QContextMenuEvent::Mouse : QContextMenuEvent::Keyboard;
@@ -162,9 +171,8 @@ class MenuRowsTest : public QObject {
     }
 
     // Triggers a row through its menu, as far as it lets itself be triggered.
-    static void trigger_by_menu(int table, int index, bool by_mouse)
+    static void trigger_by_menu(int table, const MenuRow *row, bool by_mouse)
     {
-        const MenuRow *row = &x_table(table)->rows[index];
         const MenuRow *parent = row;
         while (parent->level > 1 && (parent->level != 1 || parent->kind != MENU_SUBMENU))
             parent--;
@@ -216,7 +224,7 @@ private Q_SLOTS:
         m_window = std::make_unique<Window>();
         gRows = {};
         gRows.window = m_window.get();
-        for (const char *name : {"shown/a.c", "shown/b.c"})
+        for (const char *name : {"shown/a.c", "shown/b.c", "shown/thing"})
             m_window->dir.file(name);
         for (const char *name : {"shown/docs", "shown/more"})
             m_window->dir.dir(name);
@@ -305,7 +313,7 @@ private Q_SLOTS:
         if (way == QLatin1String("key"))
             trigger_by_key(tested, one->focus);
         else
-            trigger_by_menu(table, row, way == QLatin1String("mouse"));
+            trigger_by_menu(table, &tested, way == QLatin1String("mouse"));
         if (can) {
             QTRY_VERIFY(one->acted());
             return;
@@ -313,6 +321,58 @@ private Q_SLOTS:
         x_settle();
         QVERIFY(m_window->nothing_received());
         QVERIFY(!one->acted());
+    }
+
+    void everyRunTimeRow_data()
+    {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<bool>("by_mouse");
+        QTest::addColumn<bool>("can");
+        for (int i = 0; gRunTimeRows[i].level != 0; i++)
+            for (const bool by_mouse : {true, false})
+                for (const bool can : {true, false})
+                    QTest::addRow("%s%s by %s", gRunTimeRows[i].name, can ? "" : " not",
+                                  by_mouse ? "mouse" : "letters")
+                        << i << by_mouse << can;
+    }
+    void everyRunTimeRow()
+    {
+        QFETCH(int, row);
+        QFETCH(bool, by_mouse);
+        QFETCH(bool, can);
+        const MenuRow &tested = gRunTimeRows[row];
+        const RowCase *one = x_case(tested.name);
+        QVERIFY(one);
+        can ? one->can() : one->cannot();
+        remember();
+        QVERIFY(!one->acted());
+        trigger_by_menu(x_bar_tables(), &tested, by_mouse);
+        if (can) {
+            QTRY_VERIFY(one->acted());
+            return;
+        }
+        x_settle();
+        QVERIFY(m_window->nothing_received());
+        QVERIFY(!one->acted());
+    }
+
+    void everyRunTimeRowOfTheContextMenuIsTested()
+    {
+        for (void (*state)() : {rows::a_file, rows::a_directory, rows::a_clipboard}) {
+            state();
+            QMenu menu;
+            lcm_setup(&menu);
+            for (const QAction *item : menu.actions())
+                QVERIFY2(item->isSeparator() || x_case(item->objectName().toLatin1()),
+                         qPrintable(item->text()));
+        }
+    }
+
+    void aDialogKeepsTheContextMenuAway()
+    {
+        rows::a_file();
+        help_about(gBase);
+        QVERIFY(!open_menu(x_bar_tables(), true));
     }
 
     void aPlainLetterInTheListIsTypedAndRunsNothing()

@@ -240,20 +240,48 @@ private Q_SLOTS:
         QTRY_COMPARE(item->items[0]->items.size(), 1);
     }
 
+    void opened_and_closed_a_thousand_times_data()
+    {
+        QTest::addColumn<bool>("anew");
+        QTest::addColumn<bool>("hangs");
+        QTest::newRow("the same menu") << false << false;
+        QTest::newRow("a new one each time") << true << false;
+        QTest::newRow("the same menu of a directory that hangs") << false << true;
+    }
+    // Each menu is on the screen with its submenu; what happens meanwhile falls into all stages of
+    // the scan.
     void opened_and_closed_a_thousand_times()
     {
-        for (int i = 0; i < 50; i++)
+        QFETCH(bool, anew);
+        QFETCH(bool, hangs);
+        for (int i = 0; i < 30; i++)
             m_dir->dir(std::to_string(i) + "/sub");
+        sHang = hangs;
+        gDtmOpendir = x_slow_opendir;
+        std::unique_ptr<QMenu> menu;
+        DirMenuItem *item = nullptr;
         for (int i = 0; i < 1000; i++) {
-            QMenu menu;
-            DirMenuItem *item = dtm_add_item(&menu, m_dir->path(), "x", 0, x_chosen);
-            item->arm();
-            Q_EMIT item->submenu->aboutToShow();
-            if (i % 3 == 0)
+            if (anew || !menu) {
+                menu = std::make_unique<QMenu>();
+                item = dtm_add_item(menu.get(), m_dir->path(), "x", 0, x_chosen);
+            }
+            menu->popup(QPoint(0, 0));
+            menu->setActiveAction(item);
+            QVERIFY(item->submenu->isVisible());
+            for (int turns = 0; turns < i % 4; turns++)
                 QCoreApplication::processEvents();
+            menu->close();
+            QVERIFY(!menu->isVisible() && !item->submenu->isVisible());
         }
+        QVERIFY(worker_count() <= (hangs ? 1 : 1000));
+        sHang = false;
+        menu->popup(QPoint(0, 0));
+        menu->setActiveAction(item);
+        QTRY_COMPARE(item->items.size(), 30);
+        QTRY_VERIFY(item->submenu->isVisible());
         QTRY_COMPARE(worker_count(), 0);
         QVERIFY(sChosen.empty());
+        gDtmOpendir = opendir;
     }
 
     void a_thread_that_cannot_start_is_told_and_tried_again_at_the_next_opening()
