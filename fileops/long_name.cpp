@@ -14,7 +14,7 @@
 namespace tav {
 namespace {
 
-constexpr int WIDTH = 60; // characters
+constexpr int WIDTH = 76; // characters: the new name is seen whole
 
 std::string x_last_component(const std::string &path)
 {
