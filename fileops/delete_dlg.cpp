@@ -45,14 +45,14 @@ std::string sNeighbour;  // the entry that gets the cursor afterwards
 QPointer<QLabel> sFiles; // del_files, null when the dialog is gone
 QPointer<QDialog> sDialog;
 
-// A text of the database, formatted. Names in it are shown, never obeyed.
+// A text of the database, formatted. Names in it are shown, their line ends too, never obeyed.
 std::string x_text(const char *name, const std::string &path, int error = 0)
 {
     std::string text = res_text(name);
     for (const std::string &value : {path, std::string(error ? std::strerror(error) : "")}) {
         size_t at = text.find("%s");
         if (at != std::string::npos)
-            text.replace(at, 2, value);
+            text.replace(at, 2, shown_text(value).toStdString());
     }
     return text;
 }
@@ -66,18 +66,10 @@ std::string x_number(const char *name, int number)
     return text;
 }
 
-QString x_lines(const std::string &text)
-{
-    QStringList lines;
-    for (const QByteArray &line : QByteArray::fromStdString(text).split('\n'))
-        lines << shown_text(std::string_view(line.constData(), static_cast<size_t>(line.size())));
-    return lines.join(QLatin1Char('\n'));
-}
-
 void x_show(const std::string &text)
 {
     if (sFiles) {
-        sFiles->setText(x_lines(text));
+        sFiles->setText(QString::fromStdString(text));
         sFiles->repaint();
     }
 }
@@ -85,10 +77,11 @@ void x_show(const std::string &text)
 void errinfo(const std::string &path, const char *call)
 {
     const int error = errno;
-    const std::string text = "Can't delete '" + path + "'\n" + (call ? call : "unlink()") + ": " +
-                             std::strerror(error) + "\n";
-    const WQuestion report = {
-        QStringLiteral("Delete"), x_lines(text), {QStringLiteral("&Close")}, 1, 1};
+    const QString text = QStringLiteral("Can't delete '") + shown_text(path) +
+                         QStringLiteral("'\n") + QLatin1String(call ? call : "unlink()") +
+                         QStringLiteral(": ") + QString::fromLocal8Bit(std::strerror(error)) +
+                         QLatin1Char('\n');
+    const WQuestion report = {QStringLiteral("Delete"), text, {QStringLiteral("&Close")}, 1, 1};
     wquestion_wait(sDialog, report);
 }
 

@@ -1,32 +1,45 @@
 // The worker's questions and notices.
 #include "fileops/fop_internal.h"
 
-#include <algorithm>
 #include <cstdarg>
-#include <cstdio>
 #include <cstring>
 
 namespace tav {
 namespace {
 
-constexpr size_t TEXT_SIZE = 1024; // bytes of a message, its end included
+constexpr size_t TEXT_SIZE = 1024;          // bytes of a message, its end included
+constexpr char LINE_END[] = "\xE2\x90\x8A"; // a visible one: those of names are not obeyed
 
-// Formats at most TEXT_SIZE - 1 bytes, cut between two characters.
+// At most TEXT_SIZE - 1 bytes, cut between two characters.
+std::string x_cut(std::string text)
+{
+    if (text.size() < TEXT_SIZE)
+        return text;
+    size_t end = TEXT_SIZE - 1;
+    while (end > TEXT_SIZE - 4 && (text[end] & 0xC0) == 0x80)
+        end--;
+    text.resize((text[end] & 0xC0) == 0x80 ? TEXT_SIZE - 1 : end);
+    return text;
+}
+
+// Formats a message; of all conversions there is only "%s". What it says in lines is ours alone.
 std::string x_format(const char *format, va_list arguments)
 {
-    char text[TEXT_SIZE];
-    int length = std::vsnprintf(text, sizeof text, format, arguments);
-    if (length < 0)
-        return {};
-    size_t end = std::min(static_cast<size_t>(length), sizeof text - 1);
-    if (end < static_cast<size_t>(length)) {
-        size_t start = end;
-        while (start > 0 && end - start < 3 && (text[start] & 0xC0) == 0x80)
-            start--;
-        if ((text[start] & 0xC0) == 0x80 || (text[start] & 0xC0) == 0xC0)
-            end = start;
+    std::string text;
+    for (const char *at = format; *at; at++) {
+        if (at[0] != '%' || at[1] != 's') {
+            text += *at;
+            continue;
+        }
+        at++;
+        for (const char *byte = va_arg(arguments, const char *); *byte; byte++) {
+            if (*byte == '\n')
+                text += LINE_END;
+            else
+                text += *byte;
+        }
     }
-    return {text, end};
+    return x_cut(std::move(text));
 }
 
 } // namespace

@@ -242,6 +242,23 @@ private Q_SLOTS:
         QVERIFY(dialog_->isVisible());
     }
 
+    void a_line_end_in_a_name_is_shown()
+    {
+        struct stat info;
+        const std::string name = path("two\nlines");
+        QVERIFY(::mkdir(name.c_str(), 0755) == 0);
+        QVERIFY(::lstat(path("a").c_str(), &info) == 0);
+        const auto seen = boxes_answer_next(QStringLiteral("&Close"));
+        QCOMPARE(delete_tree(name, info), -1); // no file any more
+        QVERIFY(seen->came);
+        QCOMPARE(seen->text,
+                 QStringLiteral("Can't delete '%1'\nunlink(): Is a directory\n")
+                     .arg(QString::fromStdString(path("two")) + QStringLiteral("\u240Alines")));
+        QCOMPARE(QString::fromStdString(delete_msg),
+                 QStringLiteral("Unable to delete file '%1'.\nIs a directory.")
+                     .arg(QString::fromStdString(path("two")) + QStringLiteral("\u240Alines")));
+    }
+
     void a_failure_in_a_folder_is_reported_with_its_call()
     {
         select({"folder"});

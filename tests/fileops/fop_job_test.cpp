@@ -259,6 +259,17 @@ TEST(FopAlert, takes_the_marks_off)
     EXPECT_EQ(alert.on_close, 1);
 }
 
+TEST(FopAlert, a_name_cannot_begin_a_line_of_its_own)
+{
+    JobDir dir;
+    dir.dir("src");
+    Driver driver;
+    driver.run(FOP_COPY, dir / "src", {"a'\nis harmless", "b"}, dir.path);
+    ASSERT_EQ(driver.alerts.size(), 1u);
+    EXPECT_EQ(driver.alerts[0].text, "Unable to stat '" + (dir / "src") +
+                                         "/a'\u240Ais harmless'\nNo such file or directory\n");
+}
+
 TEST(FopAlert, cuts_a_message_of_more_than_1023_bytes_between_characters)
 {
     JobDir dir;
