@@ -19,6 +19,8 @@ struct FaultRow {
     bool across; // a move that has to copy
 };
 
+void PrintTo(const FaultRow &row, std::ostream *out) { *out << row.name; }
+
 struct FopFault : testing::TestWithParam<FaultRow> {};
 
 void x_make_tree(const JobDir &dir)

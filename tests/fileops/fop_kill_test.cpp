@@ -21,6 +21,8 @@ struct KillRow {
     bool taken; // the destination has files of the same names
 };
 
+void PrintTo(const KillRow &row, std::ostream *out) { *out << row.name; }
+
 int x_kills()
 {
     const char *kills = std::getenv("TAV_KILLS");
