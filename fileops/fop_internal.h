@@ -29,8 +29,8 @@ auto fop_retry(Call call) -> decltype(call())
 // The answers of the questions that many places ask.
 constexpr int FOP_ANSWER_ABORT = 2; // of "&Continue|&Abort"
 
-// Asks with a formatted text (at most 1023 bytes; only "%s") and buttons as "&One|@&Two|#&Three": "@" marks
-// the default, "#" the answer to closing. Returns the answer, from 1.
+// Asks with a formatted text (at most 1023 bytes; only "%s") and buttons as "&One|@&Two|#&Three":
+// "@" marks the default, "#" the answer to closing. Returns the answer, from 1.
 [[gnu::format(printf, 4, 5)]] int fop_alert(FileOp *job, const char *title, const char *buttons,
                                             const char *format, ...);
 [[gnu::format(printf, 3, 4)]] void fop_errinfo(FileOp *job, const char *title, const char *format,
