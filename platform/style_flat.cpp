@@ -1,3 +1,4 @@
+// The flat look; see the header.
 #include "platform/style_flat.h"
 
 #include <QPainter>

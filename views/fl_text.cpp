@@ -1,3 +1,4 @@
+// A cache of shaped texts in front of the painter.
 #include "views/fl_text.h"
 
 #include <QCache>
