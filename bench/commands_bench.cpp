@@ -16,8 +16,6 @@
 #include <unistd.h>
 #include <vector>
 
-extern char **environ;
-
 using namespace tav;
 
 namespace {
@@ -96,6 +94,7 @@ std::vector<std::string> x_names()
     const char *endings[] = {".c",   ".txt", ".jpg", ".html", ".o",  ".cpp", ".so.6", "",
                              ".tar", ".png", ".JPG", ".wav",  ".py", ".md",  ".core", "~"};
     std::vector<std::string> names;
+    names.reserve(NAMES);
     for (int i = 0; i < NAMES; i++)
         names.push_back("some_file_" + std::to_string(i * 7919) + endings[i % 16]);
     return names;

@@ -39,6 +39,7 @@ FileOp *x_job(int op, const std::string &source, const std::vector<std::string> 
               const std::string &dest)
 {
     std::vector<const char *> list;
+    list.reserve(names.size());
     for (const std::string &name : names)
         list.push_back(name.c_str());
     FopRequest request;
@@ -62,6 +63,7 @@ void x_run_job(int op, const std::string &source, const std::vector<std::string>
 bool x_program(const std::vector<std::string> &words)
 {
     std::vector<char *> argv;
+    argv.reserve(words.size() + 1);
     for (const std::string &word : words)
         argv.push_back(const_cast<char *>(word.c_str()));
     argv.push_back(nullptr);

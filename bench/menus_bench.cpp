@@ -24,7 +24,7 @@ constexpr double PATIENCE = 0.1; // seconds for which a window may stand still
 // A directory with so many subdirectories, each second one with a subdirectory of its own.
 std::string x_make(int count)
 {
-    const std::string path = bench_scratch(BenchPlace::Disk) + "/" + std::to_string(count);
+    std::string path = bench_scratch(BenchPlace::Disk) + "/" + std::to_string(count);
     mkdir(path.c_str(), 0755);
     for (int i = 0; i < count; i++) {
         const std::string sub = path + "/" + std::to_string(i * 7919);

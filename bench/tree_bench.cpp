@@ -29,7 +29,7 @@ constexpr int ADDED_EACH = 500;   // entries added per measurement
 
 std::string many_directories(const std::string &name, int count)
 {
-    const std::string path = bench_scratch(BenchPlace::Memory) + "/" + name;
+    std::string path = bench_scratch(BenchPlace::Memory) + "/" + name;
     for (int i = 0; i < count; ++i)
         std::filesystem::create_directories(path + "/d" + std::to_string(i));
     return path;
@@ -87,6 +87,7 @@ void bench_level()
 double add_to(int held)
 {
     std::vector<std::string> paths;
+    paths.reserve(static_cast<size_t>(held));
     for (int i = 0; i < held; ++i)
         paths.push_back("/held/" + std::to_string(i));
     tree_set_paths(paths);
