@@ -3,11 +3,11 @@
 
 #include <QActionEvent>
 #include <QApplication>
+#include <QCommonStyle>
 #include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPointer>
-#include <QProxyStyle>
 #include <QScreen>
 #include <QStyleOptionMenuItem>
 #include <algorithm>
@@ -26,35 +26,47 @@ bool x_is_arrow(const QStyleOption *option)
 }
 
 // A menu longer than the screen scrolls instead of growing columns. Its items are neither narrower
-// than its widest label nor too wide for the screen.
-class ScrollStyle : public QProxyStyle {
+// than its widest label nor too wide for the screen. All else is left to the program's style.
+class ScrollStyle : public QCommonStyle {
 public:
+    int pixelMetric(PixelMetric metric, const QStyleOption *option,
+                    const QWidget *widget) const override
+    {
+        return QApplication::style()->pixelMetric(metric, option, widget);
+    }
+    void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                       const QWidget *widget) const override
+    {
+        QApplication::style()->drawPrimitive(element, option, painter, widget);
+    }
     QSize sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &size,
                            const QWidget *widget) const override
     {
         const auto *menu = type == CT_MenuItem ? qobject_cast<const DtmMenu *>(widget) : nullptr;
         if (!menu)
-            return QProxyStyle::sizeFromContents(type, option, size, widget);
+            return QApplication::style()->sizeFromContents(type, option, size, widget);
         if (x_is_arrow(option))
             return {size.width(), pixelMetric(PM_MenuScrollerHeight, option, widget)};
         const int width = std::min(std::max(size.width(), menu->room()), menu->limit());
-        return QProxyStyle::sizeFromContents(type, option, QSize(width, size.height()), widget);
+        return QApplication::style()->sizeFromContents(type, option, QSize(width, size.height()),
+                                                       widget);
     }
     void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
                      const QWidget *widget) const override
     {
         const bool arrow = element == CE_MenuItem && x_is_arrow(option);
         const bool live = option->state & State_Enabled;
-        QProxyStyle::drawControl(!arrow ? element
-                                 : live ? CE_MenuScroller
-                                        : CE_MenuEmptyArea,
-                                 option, painter, widget);
+        QApplication::style()->drawControl(!arrow ? element
+                                           : live ? CE_MenuScroller
+                                                  : CE_MenuEmptyArea,
+                                           option, painter, widget);
     }
     int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
                   QStyleHintReturn *result) const override
     {
-        return hint == SH_Menu_Scrollable ? 1
-                                          : QProxyStyle::styleHint(hint, option, widget, result);
+        return hint == SH_Menu_Scrollable
+                   ? 1
+                   : QApplication::style()->styleHint(hint, option, widget, result);
     }
 };
 

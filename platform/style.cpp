@@ -1,5 +1,5 @@
 // The toolkit's style with what it lacks for us: boxes to check that can be seen on a dark window,
-// flat bars and headers, and an image of a bar's extension that needs no image plugin at
+// flat bars, headers and menus, and an image of a bar's extension that needs no image plugin at
 // every start.
 #include "platform/style.h"
 
@@ -23,6 +23,13 @@ bool x_is_dark(const QPalette &palette)
     return palette.color(QPalette::Window).lightness() < DARK;
 }
 
+// Between two groups of a menu's items, without a title.
+bool x_is_line(const QStyleOption *option)
+{
+    const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
+    return item && item->menuItemType == QStyleOptionMenuItem::Separator && item->text.isEmpty();
+}
+
 class Style : public QProxyStyle {
 public:
     // The outline of a box is made from the window's colour, darkened: on a dark window nothing is
@@ -32,6 +39,14 @@ public:
     {
         if (element == PE_PanelScrollAreaCorner && x_is_known()) {
             painter->fillRect(option->rect, option->palette.color(QPalette::Window));
+            return;
+        }
+        if (element == PE_PanelMenu && x_is_known()) {
+            style_flat_menu(*option, *painter);
+            return;
+        }
+        if (element == PE_FrameMenu && x_is_known()) {
+            style_flat_menu_frame(*option, *painter);
             return;
         }
         const bool box = element == PE_IndicatorCheckBox || element == PE_IndicatorRadioButton;
@@ -59,6 +74,8 @@ public:
         else if (known && element == CE_HeaderSection && header &&
                  header->orientation == Qt::Horizontal)
             style_flat_header(*header, *painter);
+        else if (known && element == CE_MenuItem && x_is_line(option))
+            style_flat_menu_line(*option, *painter);
         else
             QProxyStyle::drawControl(element, option, painter, widget);
     }

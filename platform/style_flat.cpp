@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QStyleOption>
 #include <algorithm>
+#include <qdrawutil.h>
 
 namespace tav {
 
@@ -14,6 +15,9 @@ constexpr int sPressed = 110;    // what a header is darkened by while it is pre
 constexpr int sLine = 60;        // how much of the text's colour a header's lines have, of 255
 constexpr int sLineMargin = 3;   // pixels above and below the line between two headers
 constexpr int sSliderMargin = 3; // pixels between a slider and the sides of its bar
+
+constexpr int sFrame = 110;    // how much of it a menu's outline has, of 255
+constexpr int sMenuMargin = 5; // pixels between a menu's outline and the lines in it
 
 // How much of the text's colour a slider has, of 255.
 constexpr int sSlider = 80;
@@ -107,6 +111,33 @@ QRect style_flat_scroll_part(const QStyleOptionSlider &bar, QStyle::SubControl p
     default:
         return {};
     }
+}
+
+void style_flat_menu(const QStyleOption &menu, QPainter &painter)
+{
+    painter.fillRect(menu.rect, menu.palette.color(QPalette::Base));
+    style_flat_menu_frame(menu, painter);
+}
+
+void style_flat_menu_frame(const QStyleOption &menu, QPainter &painter)
+{
+    const QColor text = menu.palette.color(QPalette::WindowText);
+    const QColor base = menu.palette.color(QPalette::Base);
+    const auto mixed = [](int of_text, int of_base) {
+        return (of_text * sFrame + of_base * (255 - sFrame)) / 255;
+    };
+    const QColor line(mixed(text.red(), base.red()), mixed(text.green(), base.green()),
+                      mixed(text.blue(), base.blue()));
+    qDrawPlainRect(&painter, menu.rect, line);
+}
+
+void style_flat_menu_line(const QStyleOption &item, QPainter &painter)
+{
+    const QRect &area = item.rect;
+    QColor line = item.palette.color(QPalette::WindowText);
+    line.setAlpha(sLine);
+    painter.fillRect(area.left() + sMenuMargin, area.center().y(), area.width() - 2 * sMenuMargin,
+                     1, line);
 }
 
 } // namespace tav

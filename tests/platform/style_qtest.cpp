@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QMenu>
 #include <QPixmap>
 #include <QProxyStyle>
 #include <QRadioButton>
@@ -62,6 +63,27 @@ private Q_SLOTS:
         QRadioButton radio;
         QVERIFY2(x_contrast(box) > 45, qPrintable(QString::number(x_contrast(box))));
         QVERIFY2(x_contrast(radio) > 45, qPrintable(QString::number(x_contrast(radio))));
+    }
+
+    void a_menu_and_its_lines_stand_out_on_any_window_data() { a_box_to_check_stands_out_data(); }
+    void a_menu_and_its_lines_stand_out_on_any_window()
+    {
+        QFETCH(QColor, window);
+        QFETCH(QColor, base);
+        QPalette palette(window);
+        palette.setColor(QPalette::Base, base);
+        QApplication::setPalette(palette);
+        QMenu menu;
+        menu.addAction(QStringLiteral("one"));
+        const QAction *line = menu.addSeparator();
+        menu.addAction(QStringLiteral("two"));
+        menu.resize(menu.sizeHint());
+        const QImage image = menu.grab().toImage();
+        const int ground = base.lightness(), middle = image.width() / 2;
+        const int across = menu.actionGeometry(const_cast<QAction *>(line)).center().y();
+        QVERIFY(std::abs(image.pixelColor(middle, 0).lightness() - ground) > 40);
+        QVERIFY(std::abs(image.pixelColor(0, across).lightness() - ground) > 40);
+        QVERIFY(std::abs(image.pixelColor(middle, across).lightness() - ground) > 25);
     }
 
     void the_style_that_is_asked_for_stays_below()
