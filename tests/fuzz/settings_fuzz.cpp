@@ -13,20 +13,28 @@
 namespace {
 
 // A directory of our own, gone with the process.
+struct Dir {
+    std::string path = "/tmp/tav_settings_fuzz_XXXXXX";
+
+    Dir()
+    {
+        if (mkdtemp(path.data()) == nullptr)
+            std::abort();
+    }
+    Dir(const Dir &) = delete;
+    Dir &operator=(const Dir &) = delete;
+    ~Dir()
+    {
+        unlink((path + "/in").c_str());
+        unlink((path + "/out").c_str());
+        rmdir(path.c_str());
+    }
+};
+
 const std::string &x_dir()
 {
-    static const std::string path = [] {
-        std::string name = "/tmp/tav_settings_fuzz_XXXXXX";
-        if (mkdtemp(name.data()) == nullptr)
-            std::abort();
-        std::atexit([] {
-            unlink((x_dir() + "/in").c_str());
-            unlink((x_dir() + "/out").c_str());
-            rmdir(x_dir().c_str());
-        });
-        return name;
-    }();
-    return path;
+    static const Dir dir;
+    return dir.path;
 }
 
 } // namespace
