@@ -22,14 +22,10 @@
 #include "fileops/slot.h"
 #include "platform/combo.h"
 #include "platform/lengths.h"
-#include "platform/res.h"
 #include "platform/shown.h"
 #include "platform/w.h"
 #include "ui_base.h"
 #include "views/fl.h"
-#include "views/fl_header.h"
-#include "views/fl_paint.h"
-#include "views/fl_row.h"
 #include "views/fl_view.h"
 #include "views/hm.h"
 #include "views/prop.h"
@@ -46,7 +42,6 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenuBar>
-#include <QStyle>
 #include <cstdlib>
 
 namespace tav {
@@ -139,21 +134,6 @@ void x_fill_box(const char *name, ClHistory *history)
         box->setEditText(shown_text(first));
 }
 
-// The images of the first frame are drawn on another thread while the window is made.
-void x_draw_early()
-{
-    const double ratio = qApp->devicePixelRatio();
-    const auto pixels = [&](int side) { return static_cast<int>(side * ratio); };
-    std::vector<ResSized> images;
-    for (const char *name : tb_images())
-        images.push_back(
-            {name, pixels(QApplication::style()->pixelMetric(QStyle::PM_ToolBarIconSize))});
-    for (const int image : {FL_IMAGE_PARENT, FL_IMAGE_FOLDER, FL_IMAGE_FILE, FL_IMAGE_EXEC})
-        images.push_back({fl_row_image_name(image), pixels(FL_IMAGE_SIZE)});
-    images.push_back({"image_sort_up", pixels(FL_SORT_IMAGE_SIZE)});
-    res_draw_early(std::move(images));
-}
-
 void x_setup_before()
 {
     tb_setup();
@@ -233,7 +213,6 @@ void base_create(const Options &options)
 {
     sLeft = false;
     base_window_closed = false;
-    x_draw_early();
     gBase = new BaseWindow;
     Ui::base form;
     form.setupUi(static_cast<QMainWindow *>(gBase));

@@ -1,8 +1,6 @@
 // Images and texts, out of the resources that are linked into the program.
 #include "platform/res.h"
 
-#include "platform/worker.h"
-
 #include <QApplication>
 #include <QFile>
 #include <QHash>
@@ -12,8 +10,6 @@
 #include <QStyle>
 #include <QStyleOption>
 #include <QSvgRenderer>
-#include <map>
-#include <mutex>
 #include <string>
 #include <unordered_map>
 
@@ -22,6 +18,7 @@ static void res_link()
 {
     Q_INIT_RESOURCE(tav);
     Q_INIT_RESOURCE(texts);
+    Q_INIT_RESOURCE(drawn);
 }
 
 namespace tav {
@@ -50,51 +47,35 @@ std::unordered_map<std::string, std::string> x_read_texts()
     return texts;
 }
 
-QString x_path(const char *name)
-{
-    return QStringLiteral(":/images/%1.svg").arg(QString::fromLatin1(name));
-}
+QString x_path(const QString &name) { return QStringLiteral(":/images/%1.svg").arg(name); }
 
-QImage x_draw(const QString &path, const QSize &size)
+QImage x_draw(const QString &name, const QSize &size)
 {
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    QSvgRenderer renderer(path);
+    QSvgRenderer renderer(x_path(name));
     renderer.setAspectRatioMode(Qt::KeepAspectRatio);
     renderer.render(&painter, QRect(QPoint(), size));
     return image;
 }
 
-// What a worker has drawn ahead, until it is asked for.
-struct Early {
-    std::mutex mutex;
-    std::map<std::pair<QString, int>, QImage> images; // by path and side in pixels
-};
-
-Early &x_early()
+// As the build has drawn it; null where it did not, because few screens ask for that size.
+QImage x_take_drawn(const QString &name, const QSize &size)
 {
-    static auto *early = new Early; // outlives every worker
-    return *early;
-}
-
-QImage x_take_early(const QString &path, const QSize &size)
-{
-    Early &early = x_early();
-    const std::lock_guard lock(early.mutex);
-    const auto found = early.images.find({path, size.width()});
-    if (found == early.images.end() || size.width() != size.height())
+    QFile file(QStringLiteral(":/drawn/%1-%2").arg(name).arg(size.width()));
+    if (size.width() != size.height() || !file.open(QIODevice::ReadOnly))
         return {};
-    QImage image = std::move(found->second);
-    early.images.erase(found);
-    return image;
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    const qint64 bytes = image.sizeInBytes();
+    return file.read(reinterpret_cast<char *>(image.bits()), bytes) == bytes ? image : QImage();
 }
 
 // Draws an image of ours at the size that is asked for, and reads it no sooner than then. (The
 // toolkit's own engine is a plugin, sought and loaded first, and reads each image twice.)
 class SvgEngine : public QIconEngine {
 public:
-    explicit SvgEngine(QString path) : path_(std::move(path)) {}
+    explicit SvgEngine(QString name) : name_(std::move(name)) {}
 
     void paint(QPainter *painter, const QRect &rect, QIcon::Mode mode, QIcon::State state) override
     {
@@ -106,7 +87,7 @@ public:
     {
         const qint64 palette = mode == QIcon::Normal ? 0 : QApplication::palette().cacheKey();
         const QString key = QStringLiteral("%1 %2x%3 %4 %5")
-                                .arg(path_)
+                                .arg(name_)
                                 .arg(size.width())
                                 .arg(size.height())
                                 .arg(mode)
@@ -115,8 +96,8 @@ public:
         if (QPixmapCache::find(key, &found))
             return found;
         if (mode == QIcon::Normal) {
-            const QImage early = x_take_early(path_, size);
-            found = QPixmap::fromImage(early.isNull() ? x_draw(path_, size) : early);
+            const QImage drawn = x_take_drawn(name_, size);
+            found = QPixmap::fromImage(drawn.isNull() ? x_draw(name_, size) : drawn);
         } else {
             QStyleOption option;
             option.palette = QApplication::palette();
@@ -127,11 +108,11 @@ public:
         return found;
     }
 
-    QIconEngine *clone() const override { return new SvgEngine(path_); }
+    QIconEngine *clone() const override { return new SvgEngine(name_); }
     bool isNull() override { return false; }
 
 private:
-    QString path_;
+    QString name_;
 };
 
 } // namespace
@@ -141,24 +122,10 @@ QIcon res_image(const char *name)
     static QHash<QByteArray, QIcon> *const icons = new QHash<QByteArray, QIcon>;
     res_link();
     QIcon &icon = (*icons)[QByteArray(name)];
-    const QString path = x_path(name);
-    if (icon.isNull() && QFile::exists(path))
-        icon = QIcon(new SvgEngine(path));
+    const QString key = QString::fromLatin1(name);
+    if (icon.isNull() && QFile::exists(x_path(key)))
+        icon = QIcon(new SvgEngine(key));
     return icon;
-}
-
-void res_draw_early(std::vector<ResSized> wanted)
-{
-    res_link();
-    const auto draw = [wanted = std::move(wanted)] {
-        for (const ResSized &each : wanted) {
-            const QString path = x_path(each.name);
-            const QImage image = x_draw(path, {each.side, each.side});
-            const std::lock_guard lock(x_early().mutex);
-            x_early().images[{path, each.side}] = image;
-        }
-    };
-    worker_start(draw, WORKER_STACK_LARGE); // else they are drawn when they are needed
 }
 
 const char *res_text(const char *name)

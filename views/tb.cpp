@@ -143,14 +143,6 @@ void tb_setup()
     tb_filter_setup(w_find<QToolBar>("filter_tb"));
 }
 
-std::vector<const char *> tb_images()
-{
-    std::vector<const char *> images;
-    for (const Button &row : sButtons)
-        images.push_back(row.image);
-    return images;
-}
-
 void tb_load_shown(const char *dir)
 {
     sConfDir = dir ? dir : "";

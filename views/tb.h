@@ -2,7 +2,6 @@
 // are shown is remembered. Main thread only.
 #pragma once
 
-#include <vector>
 
 class QMainWindow;
 class QWidget;
@@ -26,9 +25,6 @@ extern TbHooks gTbHooks;
 // and "filter_tb" of the main window. After gTbHooks is filled in, before the histories are
 // applied.
 void tb_setup();
-
-// The names of the buttons' images.
-std::vector<const char *> tb_images();
 
 // Shows and hides the bars as dir/tav.conf says, and remembers dir for tb_save_shown; a null dir is
 // no file.
