@@ -11,15 +11,19 @@
 namespace {
 
 // A file that holds what the fuzzer made up, gone with the process.
+struct File {
+    std::string path = "/tmp/tav_as_fuzz_XXXXXX";
+
+    File() { close(mkstemp(path.data())); }
+    File(const File &) = delete;
+    File &operator=(const File &) = delete;
+    ~File() { unlink(path.c_str()); }
+};
+
 const std::string &x_file()
 {
-    static const std::string path = [] {
-        std::string name = "/tmp/tav_as_fuzz_XXXXXX";
-        close(mkstemp(name.data()));
-        std::atexit([] { unlink(x_file().c_str()); });
-        return name;
-    }();
-    return path;
+    static const File file;
+    return file.path;
 }
 
 } // namespace
