@@ -2,7 +2,6 @@
 // are shown is remembered. Main thread only.
 #pragma once
 
-
 class QMainWindow;
 class QWidget;
 
