@@ -120,7 +120,7 @@ FopCopied x_by_buffer(Data &data, off_t limit)
 void x_adapt_chunk(size_t &chunk, size_t copied, const timespec &before)
 {
     timespec after;
-    clock_gettime(CLOCK_MONOTONIC, &after);
+    gFopSys.now(CLOCK_MONOTONIC, &after);
     double seconds = static_cast<double>(after.tv_sec - before.tv_sec) +
                      static_cast<double>(after.tv_nsec - before.tv_nsec) / 1e9;
     if (seconds > CHUNK_SECONDS / 2)
@@ -137,7 +137,7 @@ FopCopied x_by_range(Data &data, off_t &limit)
         if (fop_stopped(data.item.job))
             return FOP_END;
         timespec before;
-        clock_gettime(CLOCK_MONOTONIC, &before);
+        gFopSys.now(CLOCK_MONOTONIC, &before);
         size_t size = std::min<off_t>(limit, static_cast<off_t>(chunk));
         ssize_t n = fop_retry([&] { return gFopSys.copy_range(data.from, data.target.fd, size); });
         if (n == -1 && errno == ENOSPC) {

@@ -101,6 +101,8 @@ void x_delay(unsigned milliseconds)
     }
 }
 
+void x_now(clockid_t clock, timespec *time) { (void)::clock_gettime(clock, time); }
+
 } // namespace
 
 const FopSys gFopSysReal = {
@@ -132,6 +134,7 @@ const FopSys gFopSysReal = {
     .syncfs = ::syncfs,
     .sync = ::sync,
     .delay = x_delay,
+    .now = x_now,
     .alloc = std::malloc,
 };
 

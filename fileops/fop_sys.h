@@ -41,6 +41,7 @@ struct FopSys {
     int (*syncfs)(int fd);
     void (*sync)();
     void (*delay)(unsigned milliseconds);
+    void (*now)(clockid_t clock, struct timespec *time);
     void *(*alloc)(size_t size); // what free takes, or null
 };
 

@@ -81,7 +81,7 @@ int fop_percent(int64_t done, int64_t total)
 int64_t fop_calc_time_left(FileOp *job, int64_t done, int64_t total)
 {
     timespec now{};
-    clock_gettime(CLOCK_REALTIME, &now);
+    gFopSys.now(CLOCK_REALTIME, &now);
     timespec &start = job->start_time;
     if (start.tv_sec == 0 && start.tv_nsec == 0) {
         start = now;

@@ -13,6 +13,7 @@ struct FopData : FopTest {
     static inline std::vector<size_t> sChunks; // what was asked for at a time
     static inline size_t sLeft;                // bytes that the pretended file still has
     static inline bool sSlow;                  // the disk takes long for each
+    static inline long sMilliseconds;          // of the clock that the job sees
     static inline FileOp *sJob;
     FopData()
     {
@@ -32,14 +33,16 @@ struct FopData : FopTest {
             return -1;
         };
         gFopSys.copy_range = [](int, int, size_t chunk) -> ssize_t {
-            if (sSlow)
-                gFopSysReal.delay(30);
+            sMilliseconds += sSlow ? 30 : 1;
             size_t n = std::min(chunk, sLeft);
             sChunks.push_back(chunk);
             sLeft -= n;
             return static_cast<ssize_t>(n);
         };
         gFopSys.read = [](int, void *, size_t) -> ssize_t { return 0; };
+        gFopSys.now = [](clockid_t, timespec *time) {
+            *time = {1 + sMilliseconds / 1000, sMilliseconds % 1000 * 1'000'000};
+        };
     }
 };
 

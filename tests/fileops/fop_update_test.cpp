@@ -165,10 +165,15 @@ TEST(FopTime, reads_as_described)
 
 TEST(FopTime, is_unknown_at_first_and_never_infinite)
 {
+    SysGuard sys;
+    static timespec sNow;
+    sNow = {1000, 0};
+    gFopSys.now = [](clockid_t, timespec *time) { *time = sNow; };
     FileOp job;
     EXPECT_EQ(fop_calc_time_left(&job, 0, 100), FOP_TIME_FIRST);
+    sNow = {1000, 1'000'000};
     EXPECT_EQ(fop_calc_time_left(&job, 50, 100), FOP_TIME_KEEP) << "too little time has passed";
-    job.start_time.tv_sec -= 10;
+    sNow = {1010, 0};
     EXPECT_EQ(fop_calc_time_left(&job, 0, 100), FOP_TIME_KEEP);
     EXPECT_EQ(fop_calc_time_left(&job, 0, 0), FOP_TIME_KEEP);
     EXPECT_EQ(fop_calc_time_left(&job, 50, 100), 11);
