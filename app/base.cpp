@@ -24,6 +24,7 @@
 #include "platform/lengths.h"
 #include "platform/shown.h"
 #include "platform/w.h"
+#include "platform/x11_time.h"
 #include "ui_base.h"
 #include "views/fl.h"
 #include "views/fl_view.h"
@@ -223,6 +224,7 @@ void base_create(const Options &options)
     base_opening();
     x_show(options);
     base_setup(BaseReason::after_realize);
+    x11_time_guard();
     clip_setup();
 }
 

@@ -6,11 +6,13 @@
 #include "fileops/fop.h"
 #include "model/dir.h"
 #include "model/es.h"
+#include "platform/x11_time.h"
 #include "views/fl.h"
 #include "views/fl_view.h"
 
 #include <QDrag>
 #include <QDropEvent>
+#include <QPointer>
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
@@ -160,6 +162,9 @@ void dnd_start()
     auto *drag = new QDrag(fl_view());
     auto *offer = new ClipOffer(list, false, transf_new_id());
     drag->setMimeData(offer);
+    x11_time_set_drag([held = QPointer<ClipOffer>(offer)](const QByteArray &mime) {
+        return held ? held->data(QString::fromLatin1(mime)) : QByteArray();
+    });
     const auto showing =
         QObject::connect(drag, &QDrag::actionChanged, offer, [offer](Qt::DropAction action) {
             offer->set_moving(action == Qt::MoveAction);

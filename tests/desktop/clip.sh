@@ -134,19 +134,23 @@ drag_begin() {
     pointer_none=$(pointer --not "$before") || fail "the pointer shows no drag"
 }
 
-# drag_over SHOWN X Y: goes on to that point, where the pointer shows it: move or copy (see drag_learn).
+# drag_over SHOWN X Y: goes on to that point, where the pointer shows it: move or copy (see drag_learn). A drag
+# begins only as the mouse moves on, and some programs decide only then.
 drag_over() {
-    local image=pointer_$1
-    xdotool mousemove "$2" $(($3 + 3))
-    pointer "${!image}" >/dev/null || fail "the pointer shows no $1"
+    wait_for "the pointer shows a $1" drag_shows "pointer_$1" "$2" "$3"
     xdotool mousemove "$2" "$3"
+}
+drag_shows() {
+    drag_step=$((7 - ${drag_step:-3}))
+    xdotool mousemove "$2" $(($3 + drag_step))
+    WAIT_SECONDS=0.5 pointer "${!1}"
 }
 
 # drag_learn X Y: what the pointer of the drag shows there without and with Ctrl, which is pressed and let go
 # without moving. Sets pointer_move and pointer_copy.
 # shellcheck disable=SC2034 # used by name
 drag_learn() {
-    xdotool mousemove "$1" "$2"
+    xdotool mousemove "$1" $(($2 + 3)) mousemove "$1" "$2"
     pointer_move=$(pointer --not "$pointer_none") || fail "nothing may be dropped there"
     xdotool keydown ctrl
     pointer_copy=$(pointer --not "$pointer_none" "$pointer_move") || fail "the pointer shows no copy"

@@ -9,6 +9,7 @@ import ctypes
 import ctypes.util
 import hashlib
 import os
+import select
 import sys
 import time
 
@@ -54,7 +55,7 @@ def main():
         while (image in images) == others:
             if time.monotonic() > end:
                 return 1
-            time.sleep(POLL)
+            select.select([], [], [], POLL)
             image = read()
     print(image)
     return 0
