@@ -8,6 +8,7 @@
 #include <QDialog>
 #include <QLayout>
 #include <QPushButton>
+#include <QRegularExpressionValidator>
 #include <algorithm>
 #include <fcntl.h>
 
@@ -41,6 +42,9 @@ std::string long_filename_setup(Ui::long_filename_dlg &form, const std::string &
     const qsizetype most = std::max(static_cast<qsizetype>(LONG_NAME_NEW), shown.size());
     form.long_filename_newname->setMaxLength(static_cast<int>(most));
     form.long_filename_newname->setText(shown);
+    form.long_filename_newname->setValidator( // a bare name: a "/" cannot be typed
+        new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[^/]*")),
+                                        form.long_filename_newname));
     form.long_filename_newname->setFocus();
     return newfile;
 }

@@ -101,7 +101,8 @@ void x_notice(FileOp *job, const char *title, const char *text)
     x_ask(job, alert);
 }
 
-bool x_long_name(FileOp *job, const char *source, const char *dest, FopPlace &place)
+// On the worker: whether the user gave a shorter name; the file then goes to that place.
+bool FilenameTooLong(FileOp *job, const char *source, const char *dest, FopPlace &place)
 {
     const void *pane = job->slot.slot;
     auto wait = std::make_shared<Wait>();
@@ -128,7 +129,7 @@ void x_removed(FileOp *job) { slot_mark_removed(job->slot.slot); }
 
 } // namespace
 
-const FopReport gSlotReport = {x_ask, x_notice, nullptr, x_long_name, x_removed};
+const FopReport gSlotReport = {x_ask, x_notice, nullptr, FilenameTooLong, x_removed};
 
 void slot_ask_show(const void *pane)
 {

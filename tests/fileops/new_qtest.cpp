@@ -288,6 +288,9 @@ private Q_SLOTS:
         QCOMPARE(field->text(), QString(46, QLatin1Char('n'))); // no character is halved
         QTRY_VERIFY(field->hasFocus());
         field->clear();
+        QTest::keyClicks(field, QStringLiteral("a/b"));
+        QCOMPARE(field->text(), QStringLiteral("ab")); // a bare name
+        field->clear();
         QTest::keyClick(field, Qt::Key_Return);
         QVERIFY(answered && !accepted);
         QCOMPARE(place.dir_fd, -1);
