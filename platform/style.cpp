@@ -32,41 +32,31 @@ bool x_is_line(const QStyleOption *option)
 
 class Style : public QProxyStyle {
 public:
-    // The outline of a box is made from the window's colour, darkened: on a dark window nothing is
-    // left of it. A lighter colour there gives one that stands out.
     void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                        const QWidget *widget) const override
     {
-        if (element == PE_PanelScrollAreaCorner && x_is_known()) {
-            painter->fillRect(option->rect, option->palette.color(QPalette::Window));
-            return;
-        }
-        if (element == PE_PanelMenu && x_is_known()) {
-            style_flat_menu(*option, *painter);
-            return;
-        }
-        if (element == PE_FrameMenu && x_is_known()) {
-            style_flat_menu_frame(*option, *painter);
-            return;
-        }
         const bool box = element == PE_IndicatorCheckBox || element == PE_IndicatorRadioButton;
         const auto *button = qstyleoption_cast<const QStyleOptionButton *>(option);
-        if (!box || !button || !x_is_dark(option->palette) || !x_is_known()) {
+        if (!is_known())
             QProxyStyle::drawPrimitive(element, option, painter, widget);
-            return;
-        }
-        QStyleOptionButton lifted = *button;
-        const QColor text = option->palette.color(QPalette::WindowText);
-        lifted.palette.setColor(QPalette::Window, text);
-        lifted.palette.setColor(QPalette::Base,
-                                option->palette.color(QPalette::Base).lighter(LIFTED));
-        QProxyStyle::drawPrimitive(element, &lifted, painter, widget);
+        else if (element == PE_PanelScrollAreaCorner)
+            painter->fillRect(option->rect, option->palette.color(QPalette::Window));
+        else if (element == PE_Frame && !is_list_of_box(widget))
+            style_flat_frame(*option, *painter);
+        else if (element == PE_PanelMenu)
+            style_flat_menu(*option, *painter);
+        else if (element == PE_FrameMenu)
+            style_flat_menu_frame(*option, *painter);
+        else if (box && button && x_is_dark(option->palette))
+            draw_lifted(element, *button, painter, widget);
+        else
+            QProxyStyle::drawPrimitive(element, option, painter, widget);
     }
 
     void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
                      const QWidget *widget) const override
     {
-        const bool known = x_is_known();
+        const bool known = is_known();
         const auto *bar = qstyleoption_cast<const QStyleOptionToolBar *>(option);
         const auto *header = qstyleoption_cast<const QStyleOptionHeader *>(option);
         if (known && element == CE_ToolBar && bar && bar->toolBarArea == Qt::TopToolBarArea)
@@ -84,7 +74,7 @@ public:
                             QPainter *painter, const QWidget *widget) const override
     {
         const auto *bar = qstyleoption_cast<const QStyleOptionSlider *>(option);
-        if (control == CC_ScrollBar && bar && x_is_known())
+        if (control == CC_ScrollBar && bar && is_known())
             style_flat_scroll_bar(*bar, subControlRect(control, bar, SC_ScrollBarSlider, widget),
                                   *painter);
         else
@@ -95,7 +85,7 @@ public:
                          const QWidget *widget) const override
     {
         const auto *bar = qstyleoption_cast<const QStyleOptionSlider *>(option);
-        if (control == CC_ScrollBar && bar && x_is_known())
+        if (control == CC_ScrollBar && bar && is_known())
             return style_flat_scroll_part(*bar, part, pixelMetric(PM_ScrollBarSliderMin, bar));
         return QProxyStyle::subControlRect(control, option, part, widget);
     }
@@ -109,8 +99,26 @@ public:
     }
 
 private:
+    // The outline of a box is made from the window's colour, darkened: on a dark window nothing is
+    // left of it. A lighter colour there gives one that stands out.
+    void draw_lifted(PrimitiveElement element, const QStyleOptionButton &button, QPainter *painter,
+                     const QWidget *widget) const
+    {
+        QStyleOptionButton lifted = button;
+        lifted.palette.setColor(QPalette::Window, button.palette.color(QPalette::WindowText));
+        lifted.palette.setColor(QPalette::Base,
+                                button.palette.color(QPalette::Base).lighter(LIFTED));
+        QProxyStyle::drawPrimitive(element, &lifted, painter, widget);
+    }
+
+    // The list that a combo box opens is a panel of its own look.
+    static bool is_list_of_box(const QWidget *widget)
+    {
+        return widget && widget->inherits("QComboBoxPrivateContainer");
+    }
+
     // Whether it is the toolkit's own style that is below: a desktop's own is left as it is.
-    bool x_is_known() const { return baseStyle()->inherits("QFusionStyle"); }
+    bool is_known() const { return baseStyle()->inherits("QFusionStyle"); }
 };
 
 } // namespace

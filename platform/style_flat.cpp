@@ -12,7 +12,7 @@ namespace {
 
 constexpr int sLit = 104;        // what a bar's upper edge is lightened by, in percent
 constexpr int sPressed = 110;    // what a header is darkened by while it is pressed, in percent
-constexpr int sLine = 60;        // how much of the text's colour a header's lines have, of 255
+constexpr int sLine = 60;        // how much of the text's colour a thin line has, of 255
 constexpr int sLineMargin = 3;   // pixels above and below the line between two headers
 constexpr int sSliderMargin = 3; // pixels between a slider and the sides of its bar
 
@@ -31,6 +31,14 @@ QColor x_slider_colour(const QStyleOptionSlider &bar)
     const bool hovered = meant && (bar.state & QStyle::State_MouseOver);
     QColor colour = bar.palette.color(QPalette::WindowText);
     colour.setAlpha(held ? sSliderHeld : hovered ? sSliderHovered : sSlider);
+    return colour;
+}
+
+// Thin lines are seen on light and on dark windows.
+QColor x_line_colour(const QStyleOption &option)
+{
+    QColor colour = option.palette.color(QPalette::WindowText);
+    colour.setAlpha(sLine);
     return colour;
 }
 
@@ -63,11 +71,20 @@ void style_flat_header(const QStyleOptionHeader &header, QPainter &painter)
     else if (header.state & QStyle::State_MouseOver)
         ground = ground.lighter(sLit);
     painter.fillRect(area, ground);
-    QColor line = header.palette.color(QPalette::ButtonText);
-    line.setAlpha(sLine);
+    const QColor line = x_line_colour(header);
     painter.fillRect(area.left(), area.bottom(), area.width(), 1, line);
     painter.fillRect(area.right(), area.top() + sLineMargin, 1, area.height() - 2 * sLineMargin,
                      line);
+}
+
+void style_flat_frame(const QStyleOption &frame, QPainter &painter)
+{
+    const QRect &area = frame.rect;
+    const QColor line = x_line_colour(frame);
+    painter.fillRect(area.left(), area.top(), area.width(), 1, line);
+    painter.fillRect(area.left(), area.bottom(), area.width(), 1, line);
+    painter.fillRect(area.left(), area.top() + 1, 1, area.height() - 2, line);
+    painter.fillRect(area.right(), area.top() + 1, 1, area.height() - 2, line);
 }
 
 void style_flat_scroll_bar(const QStyleOptionSlider &bar, const QRect &slider, QPainter &painter)
@@ -134,10 +151,8 @@ void style_flat_menu_frame(const QStyleOption &menu, QPainter &painter)
 void style_flat_menu_line(const QStyleOption &item, QPainter &painter)
 {
     const QRect &area = item.rect;
-    QColor line = item.palette.color(QPalette::WindowText);
-    line.setAlpha(sLine);
     painter.fillRect(area.left() + sMenuMargin, area.center().y(), area.width() - 2 * sMenuMargin,
-                     1, line);
+                     1, x_line_colour(item));
 }
 
 } // namespace tav

@@ -1,6 +1,6 @@
-// Flat tool bars, headers, scroll bars and menus for the toolkit's own style. That draws the lines
-// of its bevels dot by dot and hands the dots of a long one to threads, which costs more than all
-// the rest of a window's first picture.
+// Flat tool bars, headers, frames, scroll bars and menus for the toolkit's own style. That draws
+// the lines of its bevels dot by dot and hands the dots of a long one to threads, which costs more
+// than all the rest of a window's first picture.
 #pragma once
 
 #include <QRect>
@@ -16,6 +16,7 @@ namespace tav {
 
 void style_flat_tool_bar(const QStyleOptionToolBar &bar, QPainter &painter);
 void style_flat_header(const QStyleOptionHeader &header, QPainter &painter);
+void style_flat_frame(const QStyleOption &frame, QPainter &painter);
 void style_flat_scroll_bar(const QStyleOptionSlider &bar, const QRect &slider, QPainter &painter);
 
 // The ground of a menu, its outline, and the line between two groups of its items; on a dark window

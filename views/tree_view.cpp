@@ -120,8 +120,9 @@ TreeView::TreeView(QWidget *parent) : QTreeWidget(parent)
     setAcceptDrops(true);
     setDragDropMode(DragDrop);
     setDropIndicatorShown(false); // drawn here: only top-level rows are places
-    header()->setMinimumSectionSize(
-        0); // the default asks for the font, whose loading takes a while
+    // The hidden header measures nothing: its text would need a bold font.
+    header()->setMinimumSectionSize(0);
+    headerItem()->setSizeHint(0, QSize(0, 0));
     header()->setStretchLastSection(false);
     header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     header()->setResizeContentsPrecision(0);
