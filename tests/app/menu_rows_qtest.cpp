@@ -9,6 +9,7 @@
 #include "fileops/slot.h"
 
 #include <QAbstractScrollArea>
+#include <QComboBox>
 #include <QContextMenuEvent>
 #include <QMenuBar>
 #include <cstring>
@@ -381,6 +382,71 @@ private Q_SLOTS:
         QTest::keyClick(fl_view(), Qt::Key_V);
         QVERIFY(m_window->nothing_received());
         QCOMPARE(Window::status(), QStringLiteral("/v"));
+    }
+
+    void nothingStaysDimmedOnceTheMenuHasClosed_data()
+    {
+        QTest::addColumn<int>("table");
+        for (int i = 0; i < x_bar_tables(); i++)
+            QTest::newRow(gMenuBar[i].name) << i;
+    }
+    void nothingStaysDimmedOnceTheMenuHasClosed()
+    {
+        QFETCH(int, table);
+        auto *menu = w_find<QMenu>(gMenuBar[table].name);
+        const auto dimmed = [menu] {
+            int count = 0;
+            for (const QAction *action : menu->actions())
+                count += !action->isSeparator() && !action->isEnabled();
+            return count;
+        };
+        QCOMPARE(open_menu(table, true), menu);
+        QCOMPARE(dimmed() > 0, gMenuBar[table].setup != nullptr);
+        QTest::keyClick(menu, Qt::Key_Escape);
+        QTRY_VERIFY(!menu->isVisible());
+        QCOMPARE(dimmed(), 0);
+    }
+
+    void pasteAndPrintShareTheirLetterAndTakeTurns()
+    {
+        rows::a_clipboard();
+        rows::a_file();
+        QMenu *menu = open_menu(x_bar_tables(), true);
+        QVERIFY(menu);
+        for (const char *name : {"lcm_print", "lcm_paste", "lcm_print"}) {
+            QTest::keyClick(menu, Qt::Key_P);
+            QVERIFY(menu->isVisible());
+            QCOMPARE(menu->activeAction()->objectName(), QLatin1String(name));
+        }
+        QVERIFY(m_window->nothing_received() && gJobs.empty());
+    }
+
+    // What a field does not use itself is still the window's.
+    void inATextFieldItsOwnKeysComeFirst()
+    {
+        Window::select({"a.c"});
+        auto *field = w_find<QComboBox>("tb_curpath")->lineEdit();
+        field->setFocus();
+        field->setText(QStringLiteral("v"));
+        QTest::keyClick(field, Qt::Key_V);
+        QCOMPARE(field->text(), QStringLiteral("vv"));
+        QTest::keyClick(field, Qt::Key_Backspace);
+        QCOMPARE(field->text(), QStringLiteral("v"));
+        QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(field->selectedText(), QStringLiteral("v"));
+        QTest::keyClick(field, Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("v"));
+        QTest::keyClick(field, Qt::Key_X, Qt::ControlModifier);
+        QCOMPARE(field->text(), QString());
+        QTest::keyClick(field, Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(field->text(), QStringLiteral("v"));
+        QTest::keyClick(field, Qt::Key_Home);
+        QTest::keyClick(field, Qt::Key_Delete);
+        QCOMPARE(field->text(), QString());
+        QVERIFY(m_window->nothing_received() && gJobs.empty() && boxes_standing().isEmpty());
+        QCOMPARE(selected_names(), std::string("a.c"));
+        QTest::keyClick(field, Qt::Key_F3);
+        QTRY_VERIFY(dialog_up("new_dlg"));
     }
 
     void aKeyThatAContextMenuShowsIsOneOfTheBars_data()

@@ -16,6 +16,8 @@
 #include <QGuiApplication>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScreen>
+#include <QStyleOptionMenuItem>
 
 namespace tav {
 
@@ -41,6 +43,23 @@ DIR *x_slow_opendir(const char *path)
     test_wait([] { return !sHang; }, 60'000);
     return opendir(path);
 }
+
+DIR *x_refusing_opendir(const char *)
+{
+    errno = EACCES;
+    return nullptr;
+}
+
+// A menu whose items' looks can be read.
+struct OpenMenu : DtmMenu {
+    OpenMenu() : DtmMenu(nullptr) {}
+    [[nodiscard]] QStyleOptionMenuItem look(const QAction *item) const
+    {
+        QStyleOptionMenuItem option;
+        initStyleOption(&option, item);
+        return option;
+    }
+};
 
 QStringList x_texts(const QMenu &menu)
 {
@@ -168,6 +187,64 @@ private Q_SLOTS:
         menu.popup(QPoint(0, 0));
         menu.setActiveAction(item);
         QTRY_COMPARE(item->state(), DtmState::plain);
+    }
+
+    void directory_that_refuses_becomes_plain()
+    {
+        m_dir->dir("sub");
+        gDtmOpendir = x_refusing_opendir;
+        QMenu menu;
+        DirMenuItem *item = open(menu);
+        QTRY_COMPARE(item->state(), DtmState::plain);
+        QVERIFY(!item->menu() && menu.isVisible() && !box());
+    }
+
+    void subdirectory_that_vanishes_while_the_menu_is_open_becomes_plain()
+    {
+        m_dir->dir("sub/below");
+        QMenu menu;
+        DirMenuItem *item = open(menu);
+        QTRY_VERIFY(item->items.size() == 1 && item->items[0]->state() == DtmState::cascade);
+        m_dir->remove("sub/below");
+        m_dir->remove("sub");
+        item->submenu->setActiveAction(item->items[0]);
+        QTRY_COMPARE(item->items[0]->state(), DtmState::plain);
+        QVERIFY(!item->items[0]->menu() && item->submenu->isVisible());
+    }
+
+    void item_is_grey_without_an_arrow_until_it_is_examined()
+    {
+        m_dir->dir("sub");
+        OpenMenu menu;
+        sHang = true;
+        gDtmOpendir = x_slow_opendir;
+        DirMenuItem *with = dtm_add_item(&menu, m_dir->path(), "x", DTM_EXAMINE, x_chosen);
+        DirMenuItem *leaf = dtm_add_item(&menu, m_dir->at("sub"), "x", DTM_EXAMINE, x_chosen);
+        const QColor grey(0x90, 0x90, 0x90);
+        for (const DirMenuItem *item : {with, leaf}) {
+            QCOMPARE(menu.look(item).palette.color(QPalette::Text), grey);
+            QCOMPARE(menu.look(item).menuItemType, QStyleOptionMenuItem::Normal);
+        }
+        sHang = false;
+        QTRY_COMPARE(with->state(), DtmState::cascade);
+        QTRY_COMPARE(leaf->state(), DtmState::plain);
+        for (const DirMenuItem *item : {with, leaf})
+            QVERIFY(menu.look(item).palette.color(QPalette::Text) != grey);
+        QCOMPARE(menu.look(with).menuItemType, QStyleOptionMenuItem::SubMenu);
+        QCOMPARE(menu.look(leaf).menuItemType, QStyleOptionMenuItem::Normal);
+    }
+
+    void a_long_name_is_cut_in_its_middle_and_leaves_room_on_the_screen()
+    {
+        OpenMenu menu;
+        const std::string name = "first " + std::string(240, 'm') + " last";
+        const DirMenuItem *item = dtm_add_item(&menu, "/" + name, name, 0, x_chosen);
+        const QString shown = menu.look(item).text;
+        QVERIFY(shown.startsWith(QStringLiteral("first ")));
+        QVERIFY(shown.endsWith(QStringLiteral(" last/")));
+        QVERIFY(shown.contains(QChar(0x2026)));
+        QVERIFY(menu.sizeHint().width() < menu.screen()->geometry().width() / 2);
+        QCOMPARE(item->text(), QString::fromStdString(name + '/')); // what is read out
     }
 
     void examined_at_creation_only_with_the_option()
@@ -374,6 +451,33 @@ private Q_SLOTS:
         }
     }
 
+    void cascade_hides_dot_names_as_the_settings_say_data()
+    {
+        QTest::addColumn<unsigned>("flags");
+        QTest::addColumn<int>("count");
+        QTest::newRow("shown") << 0u << 2;
+        QTest::newRow("hidden") << CONFIG_HIDE_DOT << 1;
+    }
+    void cascade_hides_dot_names_as_the_settings_say()
+    {
+        QFETCH(unsigned, flags);
+        QFETCH(int, count);
+        gConfig->flags = flags;
+        m_dir->dir(".dot");
+        m_dir->dir("plain");
+        tree_set_paths({m_dir->path()});
+        QMenu menu;
+        mgen_add_tree(&menu, x_chosen);
+        auto *item = dynamic_cast<DirMenuItem *>(menu.actions().last());
+        QVERIFY(item);
+        QCOMPARE(item->flags, flags);
+        QTRY_COMPARE(item->state(), DtmState::cascade);
+        menu.popup(QPoint(0, 0));
+        menu.setActiveAction(item);
+        QTRY_COMPARE(item->items.size(), count);
+        QCOMPARE(item->items[0]->flags, flags);
+    }
+
     void empty_hotlist_leaves_other_alone()
     {
         tree_set_paths({});
@@ -444,6 +548,54 @@ private Q_SLOTS:
                           Qt::LeftButton);
         QTRY_VERIFY(!prompt());
         QCOMPARE(gJobs.size(), 1u);
+    }
+
+    void typed_destination_becomes_absolute_and_ends_in_a_slash_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("destination");
+        QTest::newRow("relative") << QStringLiteral("a b") << QStringLiteral("%1/a b/");
+        QTest::newRow("relative with its slash") << QStringLiteral("a/") << QStringLiteral("%1/a/");
+        QTest::newRow("absolute") << QStringLiteral("/tmp") << QStringLiteral("/tmp/");
+        QTest::newRow("the root") << QStringLiteral("/") << QStringLiteral("/");
+    }
+    void typed_destination_becomes_absolute_and_ends_in_a_slash()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, destination);
+        std::string got;
+        select({});
+        input_dest("Copy to", [&got](const std::string &path) { got = path; });
+        auto *prompt = m_window->window.findChild<QDialog *>(QStringLiteral("input_dest"));
+        const auto text = [prompt](const char *name) {
+            return prompt->findChild<QWidget *>(QLatin1String(name))->property("text").toString();
+        };
+        QCOMPARE(text("dest_label"), QStringLiteral("Destination directory:"));
+        QCOMPARE(text("dest_ok"), QStringLiteral("&OK"));
+        QCOMPARE(text("dest_cancel"), QStringLiteral("&Cancel"));
+        prompt->findChild<QLineEdit *>(QStringLiteral("dest_text"))->setText(typed);
+        QTest::mouseClick(prompt->findChild<QPushButton *>(QStringLiteral("dest_ok")),
+                          Qt::LeftButton);
+        QTRY_VERIFY(!got.empty());
+        QCOMPARE(QString::fromStdString(got),
+                 destination.contains(QLatin1Char('%'))
+                     ? destination.arg(QString::fromStdString(m_dir->path()))
+                     : destination);
+    }
+
+    void confirmation_offers_no_before_yes_and_yes_by_default()
+    {
+        confirm("copy", QStringLiteral("x"), "/tmp", [] {});
+        QVERIFY(box());
+        QCOMPARE(box()->windowTitle(), QStringLiteral("copy"));
+        QPushButton *no =
+            qobject_cast<QPushButton *>(test::boxes_button(box(), QStringLiteral("&No")));
+        QPushButton *yes =
+            qobject_cast<QPushButton *>(test::boxes_button(box(), QStringLiteral("&Yes")));
+        QVERIFY(no && yes && box()->buttons().size() == 2);
+        QVERIFY(no->mapToGlobal(QPoint()).x() < yes->mapToGlobal(QPoint()).x());
+        QCOMPARE(box()->defaultButton(), yes);
+        answer("&No");
     }
 
     void context_menu_without_selection_and_clipboard_adds_nothing()

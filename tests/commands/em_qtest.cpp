@@ -140,12 +140,13 @@ private Q_SLOTS:
     void setup_dims_what_needs_a_selection()
     {
         QMenu menu;
-        for (const char *name : {"em_cut", "em_copy", "em_paste", "em_delete", "em_rename",
-                                 "em_unselect", "em_select", "em_invert"})
+        for (const char *name :
+             {"em_cut", "em_copy", "em_paste", "em_delete", "em_rename", "em_unselect",
+              "em_unselect_all", "em_unselect_pattern", "em_select", "em_select_all", "em_invert"})
             menu.addAction(QLatin1String(name))->setObjectName(QLatin1String(name));
         em_setup(&menu);
-        for (const char *name :
-             {"em_cut", "em_copy", "em_paste", "em_delete", "em_rename", "em_unselect"})
+        for (const char *name : {"em_cut", "em_copy", "em_paste", "em_delete", "em_rename",
+                                 "em_unselect", "em_unselect_all", "em_unselect_pattern"})
             QVERIFY2(!menu_item_find(&menu, name)->isEnabled(), name);
         QVERIFY(menu_item_find(&menu, "em_select")->isEnabled());
         fl_select("b", FL_EXACT);
@@ -161,6 +162,23 @@ private Q_SLOTS:
         QVERIFY(edit && edit->hasFocus());
         QCOMPARE(edit->text(), QStringLiteral("a.tar.gz"));
         QCOMPARE(edit->selectedText(), QStringLiteral("a.tar"));
+    }
+
+    void rename_of_a_name_with_no_dot_or_one_in_front_selects_all_of_it()
+    {
+        m_dir->file(".bashrc");
+        fl_refresh();
+        QCOMPARE(rename("b")->selectedText(), QStringLiteral("b"));
+        QTest::keyClick(field(), Qt::Key_Escape);
+        QTRY_VERIFY(!field());
+        QCOMPARE(rename(".bashrc")->selectedText(), QStringLiteral(".bashrc"));
+    }
+
+    void rename_with_several_selected_takes_the_current_one()
+    {
+        fl_select("dir", FL_EXACT);
+        fl_select("a.tar.gz", FL_EXACT);
+        QCOMPARE(rename("b")->text(), QStringLiteral("b"));
     }
 
     void rename_enter_applies()
