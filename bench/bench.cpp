@@ -83,7 +83,7 @@ double bench_compare_values(const BenchRow &row, const std::function<double()> &
     std::vector<double> ratios;
     std::vector<double> our_values;
     std::vector<double> base_values;
-    for (int i = 1; i < bench_runs(row); i++) {
+    for (int i = 0; i < bench_runs(row) - 1; i++) {
         // In turns who comes first: memory that the other has just given back is fast.
         double b = i % 2 ? baseline() : 0;
         double a = ours();
