@@ -85,15 +85,23 @@ public:
         case QEvent::ShortcutOverride:
         case QEvent::MouseButtonPress:
         case QEvent::MouseButtonRelease:
-            if (!sInput)
-                QMetaObject::invokeMethod(
-                    this, [] { sInput.reset(); }, Qt::QueuedConnection);
-            sInput = static_cast<ServerTime>(static_cast<QInputEvent *>(event)->timestamp());
+            note(static_cast<QInputEvent *>(event)->timestamp());
             break;
         default:
             break;
         }
         return false;
+    }
+
+private:
+    void note(quint64 time)
+    {
+        if (time == 0) // made by a program, not by a person at the server
+            return;
+        if (!sInput)
+            QMetaObject::invokeMethod(
+                this, [] { sInput.reset(); }, Qt::QueuedConnection);
+        sInput = static_cast<ServerTime>(time);
     }
 };
 

@@ -134,6 +134,12 @@ put_form text/uri-list "file://$work/src/b\\r\\n"
 paste_into "$tav"
 wait_for "a file that is gone is told" window_named 'File Scan'
 keys Return
+wait_for "that box goes" no_window_named 'File Scan'
+put_form text/uri-list "file://$work/gone/with_its_directory\\r\\n"
+paste_into "$tav"
+wait_for "so is one whose directory is gone" window_named 'File Scan'
+keys Return
+
 # From more directories than may be worked on at a time: the others wait, and are all done.
 for i in $(seq 60); do mkdir "$work/up/$i" && echo "$i" >"$work/up/$i/from$i"; done
 find "$work/up" -name 'from*' -printf 'file://%p\r\n' >"$work/uris"
