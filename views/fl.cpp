@@ -208,6 +208,8 @@ void fl_timer_disable()
 {
     if (sTimer)
         wtimer_detach(sTimer);
+    if (gFlHooks.key_active && gFlHooks.key_active())
+        fl_status_changed(); // else the echo of keys that are forgotten would stay
     if (gFlHooks.key_clear)
         gFlHooks.key_clear();
 }

@@ -105,7 +105,7 @@ void fl_status_changed(); // the selection changed: status_update follows, once 
 void fl_status_flush();   // now, if it is due
 
 void fl_timer_set();     // starts the time-out of typed keys, from the settings
-void fl_timer_disable(); // stops it and forgets the keys
+void fl_timer_disable(); // stops it and forgets the keys; what was echoed of them goes too
 void fl_timer_cb();      // the time is out: forgets the keys, shows the status again
 
 bool fl_is_reading(); // a directory is being read: nothing may start another read

@@ -260,6 +260,21 @@ private Q_SLOTS:
         QVERIFY(gHeard.clears >= 1);
     }
 
+    void moving_while_typing_shows_the_status_again()
+    {
+        show();
+        fl_status_flush();
+        gHeard.statuses = 0;
+        m_window->key(Qt::Key_Down, Qt::ControlModifier);
+        QCoreApplication::processEvents();
+        QCOMPARE(gHeard.statuses, 0); // nothing was typed, and the selection is what it was
+        gHeard.typing = true;
+        gHeard.clears = 0;
+        m_window->key(Qt::Key_Down, Qt::ControlModifier);
+        QVERIFY(gHeard.clears >= 1);
+        QTRY_COMPARE(gHeard.statuses, 1);
+    }
+
     void time_out_of_zero_or_less_never_comes()
     {
         show();
