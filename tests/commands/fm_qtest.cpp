@@ -118,13 +118,16 @@ private Q_SLOTS:
     {
         m_window->script("one", "echo 1 >>\"$HOME/ran\"");
         m_window->script("two", "echo 2 >>\"$HOME/ran\"");
+        m_window->script("three", "echo 3 >>\"$HOME/ran\"");
         apat.clear();
         _add_pat("*.c", "one", "", "");
+        _add_pat("*.h", "one", "", "");
         _add_pat("*", "two", "", "");
         _add_pat("a.?", " ", "", "");
+        _add_pat("^A.C", "three", "", "");
         Window::select({"a.c"});
         fm_open(gBase);
-        QTRY_COMPARE(m_window->dir.read("ran").size(), size_t{4});
+        QTRY_COMPARE(m_window->dir.read("ran").size(), size_t{6});
     }
 
     void openWithNothingSelectedOpensTheCursorEntry()
