@@ -101,7 +101,8 @@ int main(int argc, char **argv)
     init(argc, argv);
     base_create(options);
     QTimer::singleShot(sIconAfter, qApp, [] { QApplication::setWindowIcon(res_image("tav")); });
-    QApplication::exec();
+    if (!base_is_gone()) // a signal may have ended it below a box that stood before the loop
+        QApplication::exec();
     ui_gate_close();
     return EXIT_SUCCESS;
 }

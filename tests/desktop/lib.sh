@@ -19,6 +19,7 @@ work=$(mktemp -d "${TMPDIR:-/tmp}/tav_desktop_XXXXXX")
 pids=()     # what ends with the script
 tav_pid=    # the tav that was started last
 tav_count=0 # tavs started so far
+tav_as=()   # what tav is started by, else directly
 export SLAY_PROC=$work/proc # so that the end of a job is told to the tavs of this test alone
 mkdir "$SLAY_PROC"
 bin=$work/bin # stand-ins for programs (stand_in)
@@ -102,10 +103,23 @@ desktop_bus() {
 # tav_start ARGUMENT...: starts tav; sets tav_pid. What it prints goes to $work/tav.N.out and .err.
 tav_start() {
     tav_count=$((tav_count + 1))
-    "$TAV" "$@" >"$work/tav.$tav_count.out" 2>"$work/tav.$tav_count.err" </dev/null &
+    "${tav_as[@]}" "$TAV" "$@" >"$work/tav.$tav_count.out" 2>"$work/tav.$tav_count.err" </dev/null &
     tav_pid=$!
     pids+=("$tav_pid")
     ln -sfn "/proc/$tav_pid" "$work/proc/$tav_pid"
+}
+
+# tav_start_refused ARGUMENT...: the same as somebody who is refused things, which root is not.
+tav_start_refused() {
+    local TAV=$TAV tav_as=()
+    if [ "$(id -u)" = 0 ]; then
+        chmod 755 "$work"
+        chmod 777 "$work/run"
+        cp "$TAV" "$work/tav"
+        TAV=$work/tav
+        tav_as=(setpriv --reuid=65534 --regid=65534 --clear-groups)
+    fi
+    tav_start "$@"
 }
 
 # tav_window [PID]: the id of the visible main window.

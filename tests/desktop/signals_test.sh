@@ -66,13 +66,25 @@ test_shown_directory_goes_away() {
 }
 lists_no_file() { [ "$(look | grep "list item" | grep -vc '"\.\."')" = 0 ]; }
 
-# A start directory that may not be read is shown as it is: with nothing in it, and no end.
+# A start directory that may not be read is told; then the window is there, without a directory.
 test_unreadable_start() {
     mkdir "$work/closed"
     chmod 000 "$work/closed"
-    tav_start "$work/closed"
-    wait_for "tav has a window" tav_is_active
+    tav_start_refused "$work/closed"
+    wait_for "it says so" active_is Error
+    keys Return
+    wait_for "the window has the keyboard" active_is TAV
     tav_quit
+}
+
+# A signal that comes while that is being told, before the main loop, ends the program too.
+test_ends_below_the_first_box() {
+    tav_start_refused "$work/closed"
+    wait_for "it says so" active_is Error
+    kill -TERM "$tav_pid"
+    tav_status
+    expect 0 "$tav_exit" "exit status"
+    chmod 700 "$work/run"
 }
 
 test_strange_names() {
@@ -99,4 +111,5 @@ test_pipe_is_ignored
 test_own_group
 test_shown_directory_goes_away
 test_unreadable_start
+test_ends_below_the_first_box
 test_strange_names
