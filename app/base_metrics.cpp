@@ -47,11 +47,13 @@ void base_set_window_metrics(const Config &record)
 
     auto *workspace = w_find<QSplitter>("workspace");
     auto *panel = w_find("hotlist_panel");
-    const int most = std::max(gBase->width() / 2, panel->minimumWidth());
+    const int both = gBase->width() - workspace->handleWidth();
+    const int most =
+        both - w_find("filelist_panel")->minimumWidth(); // as far as a hand can drag it
     sPanel.pixels =
         std::clamp(lengths_to_pixels(std::min(x_low16(record.hotlist_width), sMaxReference)),
-                   panel->minimumWidth(), most);
-    workspace->setSizes({sPanel.pixels, gBase->width() - sPanel.pixels - workspace->handleWidth()});
+                   panel->minimumWidth(), std::max(most, panel->minimumWidth()));
+    workspace->setSizes({sPanel.pixels, both - sPanel.pixels});
 }
 
 void base_get_window_metrics(Config &record)

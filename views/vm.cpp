@@ -2,6 +2,7 @@
 #include "views/vm.h"
 
 #include "app/config.h"
+#include "platform/lengths.h"
 #include "platform/w.h"
 #include "views/menu_item.h"
 #include "views/tb.h"
@@ -38,6 +39,8 @@ int vm_hotlist_toggle(QWidget *)
     if (!panel)
         return W_CONTINUE;
     const bool show = panel->isHidden();
+    if (!show) // what the user made it is what it opens with again
+        gConfig->hotlist_width = lengths_from_pixels(panel->width());
     panel->setVisible(show);
     gConfig->hotlist_shown = show;
     if (auto *button = w_find<QToolButton>("tb_hotlist"))

@@ -13,12 +13,14 @@
 #include "support/boxes.h"
 #include "views/fl.h"
 #include "views/fl_view.h"
+#include "views/vm.h"
 
 #include <QApplication>
 #include <QScreen>
 #include <QSplitter>
 #include <QTest>
 #include <QTimer>
+#include <QToolButton>
 #include <csignal>
 #include <cstring>
 #include <fstream>
@@ -200,9 +202,47 @@ private Q_SLOTS:
         write(record);
         start();
         QVERIFY(w_find("hotlist_panel")->isHidden());
+        QVERIFY(!w_find<QToolButton>("tb_hotlist")->isChecked());
         finish();
         QCOMPARE(saved().hotlist_width, 177);
         QCOMPARE(int(saved().hotlist_shown), 0);
+    }
+
+    void aPanelWiderThanTheListOpensAtThatWidthAgain()
+    {
+        start();
+        w_find<QSplitter>("workspace")->setSizes({4000, 0});
+        const int panel = w_find("hotlist_panel")->width();
+        QVERIFY(panel > gBase->width() / 2);
+        restart();
+        QCOMPARE(w_find("hotlist_panel")->width(), panel);
+        finish();
+        QCOMPARE(lengths_to_pixels(saved().hotlist_width), panel);
+    }
+
+    void aPanelHiddenMeanwhileKeepsTheWidthThatItHad()
+    {
+        start();
+        const int wanted = lengths_to_pixels(130);
+        w_find<QSplitter>("workspace")->setSizes({wanted, gBase->width() - wanted});
+        const int panel = w_find("hotlist_panel")->width();
+        QVERIFY(panel != lengths_to_pixels(190));
+        vm_hotlist_toggle(nullptr);
+        restart();
+        QVERIFY(w_find("hotlist_panel")->isHidden());
+        vm_hotlist_toggle(nullptr);
+        QTRY_COMPARE(w_find("hotlist_panel")->width(), panel);
+    }
+
+    void thePanelsHaveTheirSmallestSizes()
+    {
+        start();
+        QCOMPARE(w_find("hotlist_panel")->minimumSize(),
+                 QSize(lengths_to_pixels(96), lengths_to_pixels(100)));
+        QCOMPARE(w_find("filelist_panel")->minimumSize(),
+                 QSize(lengths_to_pixels(120), lengths_to_pixels(100)));
+        QCOMPARE(w_find<QSplitter>("workspace")->indexOf(w_find("hotlist_panel")), 0);
+        QCOMPARE(w_find<QSplitter>("workspace")->indexOf(w_find("filelist_panel")), 1);
     }
 
     void numbersThatMakeNoSenseAreClampedOnUseAndKeptOnTheDisk()
