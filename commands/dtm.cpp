@@ -167,7 +167,10 @@ DtmRows x_rows(DirMenuItem &item, const QFontMetrics &metrics)
     rows.count = item.scan->names.size();
     rows.room = x_room(item.scan->names, metrics);
     rows.label = [scan = item.scan](size_t row) { return x_label(scan->names[row]); };
-    rows.show = [&item](size_t top) { x_show_rows(item, top); };
+    rows.show = [owner = QPointer(&item)](size_t top) { // the submenu goes a little later than it
+        if (owner)
+            x_show_rows(*owner, top);
+    };
     return rows;
 }
 
