@@ -53,9 +53,10 @@ bool x_interpret(const QKeyEvent &event)
 
 void x_move(int row, const FlMoveMode &mode)
 {
-    const int index = fl_row_index(std::clamp(row, 0, fl_row_count() - 1));
-    if (index == DIR_NONE)
+    const int rows = fl_row_count();
+    if (rows == 0)
         return;
+    const int index = fl_row_index(std::clamp(row, 0, rows - 1));
     fl_timer_disable();
     if (mode.extends) {
         const int anchor = fl_select_anchor();

@@ -218,6 +218,23 @@ TEST_F(DirRead, AnEntryLeftOverFromASkippedNameStartsEmptyToo)
     EXPECT_STREQ(list.at("plain").link, "");
 }
 
+TEST_F(DirRead, AnEntryLeftInHandBecomesASpareWithoutItsLink)
+{
+    m_dir.link("lnk", "nowhere");
+    sNames = {"lnk", "lnk"};
+    sNext = 0;
+    gDirCalls.getdents = next_name;
+    TestListing list(m_dir.path());
+    EXPECT_EQ(list.read(), 0);
+    EXPECT_EQ(list.listing.count, 1);
+    ASSERT_EQ(list.listing.spare, 1);
+    EXPECT_EQ(list.listing.entries[1]->link, nullptr);
+    uint64_t before = gDirAllocated;
+    sNext = 0;
+    EXPECT_EQ(list.read(), 0);
+    EXPECT_EQ(gDirAllocated, before) << "the spare was used again";
+}
+
 TEST_F(DirRead, ANameDeliveredTwiceIsListedOnce)
 {
     m_dir.dir("both");
