@@ -24,7 +24,9 @@
 #include <csignal>
 #include <cstring>
 #include <fstream>
+#include <sys/inotify.h>
 #include <testdir.h>
+#include <unistd.h>
 
 namespace tav {
 
@@ -329,6 +331,25 @@ private Q_SLOTS:
         std::remove((m_config + "/config.003").c_str());
         base_leave();
         QVERIFY(!std::ifstream(m_config + "/config.003").good());
+    }
+
+    void leavingWritesTheFilesInTheirOrder()
+    {
+        start();
+        const int watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+        QVERIFY(inotify_add_watch(watch, m_config.c_str(), IN_MOVED_TO) >= 0);
+        finish();
+        alignas(inotify_event) char events[4096];
+        const ssize_t size = read(watch, events, sizeof events);
+        ::close(watch);
+        QStringList written;
+        for (ssize_t at = 0; at < size;) {
+            const auto *event = reinterpret_cast<const inotify_event *>(events + at);
+            written << QString::fromLatin1(event->name);
+            at += static_cast<ssize_t>(sizeof *event + event->len);
+        }
+        QCOMPARE(written.join(QLatin1Char(' ')),
+                 QStringLiteral("config.003 goto.001 fspec.001 pattern.001 hotlist.001"));
     }
 
     void altXEndsTheProgram()
