@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <mutex>
 #include <poll.h>
 #include <vector>
 #include <xcb/xcb.h>
@@ -196,13 +197,22 @@ void x_send(xcb_connection_t *server, ClipX11Note &note)
     note.sent = !error && !xcb_connection_has_error(server);
 }
 
+// The library that knows the user's key to the server puts its file's name together in a static
+// buffer.
+xcb_connection_t *x_connect(const char *display)
+{
+    static std::mutex one_at_a_time;
+    const std::lock_guard hold(one_at_a_time);
+    return xcb_connect(display, nullptr);
+}
+
 } // namespace
 
 int clip_x11_fetch(const char *display, const std::atomic<bool> &cancel, TransfFiles &files,
                    ClipX11Note &note)
 {
     note.sent = false;
-    xcb_connection_t *server = xcb_connect(display, nullptr);
+    xcb_connection_t *server = x_connect(display);
     int result = -1;
     if (!xcb_connection_has_error(server)) {
         result = x_fetch_on(server, cancel, files);
