@@ -3,12 +3,14 @@
 
 #include <QCompleter>
 #include <QKeyEvent>
+#include <QStyleOptionComboBox>
 #include <QWheelEvent>
 
 namespace tav {
 
 namespace {
 
+constexpr int USUAL_LETTERS = 13;  // that a box has room for
 constexpr int GREEDY_WIDTH = 4000; // more than any row of bars has to give
 
 } // namespace
@@ -46,8 +48,6 @@ TbBox::TbBox(QWidget *parent) : QComboBox(parent), edit_(new TbEdit(this))
     setLineEdit(edit_);
     delete edit_->completer();
     setInsertPolicy(NoInsert);
-    setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
-    setMinimumContentsLength(8);
     setMaxVisibleItems(20);
     // Leaving the text would pick an entry that reads the same.
     disconnect(edit_, &QLineEdit::editingFinished, this, nullptr);
@@ -65,15 +65,22 @@ void TbBox::set_greedy()
 
 QSize TbBox::sizeHint() const
 {
-    const QSize size = QComboBox::sizeHint();
+    const QSize size = usual_size();
     return greedy_ ? QSize(GREEDY_WIDTH, size.height()) : size;
 }
 
 // Below this a bar leaves the box out instead of making it narrower.
-QSize TbBox::minimumSizeHint() const
+QSize TbBox::minimumSizeHint() const { return usual_size(); }
+
+// Whatever texts it holds. (The box's own way makes the list that it opens, at each start.)
+QSize TbBox::usual_size() const
 {
-    const QSize size = QComboBox::sizeHint();
-    return greedy_ ? QSize(QComboBox::minimumSizeHint().width(), size.height()) : size;
+    QStyleOptionComboBox option;
+    initStyleOption(&option);
+    const QFontMetrics metrics = fontMetrics();
+    const QSize inside(USUAL_LETTERS * metrics.horizontalAdvance(QLatin1Char('X')),
+                       metrics.height() + 2);
+    return style()->sizeFromContents(QStyle::CT_ComboBox, &option, inside, this);
 }
 
 void TbBox::changeEvent(QEvent *event)

@@ -41,6 +41,8 @@ protected:
     void wheelEvent(QWheelEvent *event) override;
 
 private:
+    QSize usual_size() const;
+
     TbEdit *edit_;
     bool greedy_ = false;
 };
