@@ -19,6 +19,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const std::string name = pattern.size() < size ? text.c_str() + pattern.size() + 1 : "";
     if (pattern.find('|') != pattern.npos || pattern.starts_with('^'))
         return 0; // mean something else to us
+    if (pattern.find('[') != pattern.npos && pattern.ends_with('-'))
+        return 0; // the C library reads on behind a range without an end, and answers by chance
     const bool expected = fnmatch(pattern.c_str(), name.c_str(), 0) == 0;
     if ((tav::es_strcmp(name.c_str(), pattern.c_str()) == 0) != expected) {
         std::fprintf(stderr, "pattern '%s' name '%s'\n", pattern.c_str(), name.c_str());
