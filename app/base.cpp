@@ -109,11 +109,6 @@ void x_fill_hooks()
     gTreeHooks.context_menu = x_show_hotlist_menu;
 }
 
-void x_show_path(const std::string &path)
-{
-    gBase->setWindowTitle(shown_text(path) + QStringLiteral(" - TAV"));
-}
-
 void x_show(const Options &options)
 {
     if (options.width > 0 || options.height > 0)
@@ -209,7 +204,7 @@ void base_update()
     status_bar_update();
     tb_curpath_set_text(gDir.path.c_str());
     tb_update();
-    x_show_path(gDir.path);
+    gBase->setWindowTitle(shown_text(gDir.path) + QStringLiteral(" - TAV"));
     const QWidget *focus = QApplication::focusWidget();
     if (!x_is_below_dialog() && !(fl_is_outside() && x_is_text_field(focus)))
         w_find("filelist")->setFocus(Qt::OtherFocusReason); // not the window: it may not be in use
@@ -227,7 +222,6 @@ void base_create(const Options &options)
     misc_ui_setup();
     base_setup(BaseReason::before_realize);
     base_opening();
-    x_show_path(gStartPath); // once: a desktop draws each title that it is told
     x_show(options);
     base_setup(BaseReason::after_realize);
     x11_time_guard();
