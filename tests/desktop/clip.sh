@@ -17,7 +17,7 @@ tav_focus() {
 }
 
 # The main window alone: a job's own window may stand beside it.
-main_window() { xdotool search --all --onlyvisible --pid "$1" --name ' - TAV$' 2>/dev/null | tail -n 1 | grep .; }
+main_window() { find_windows --all --onlyvisible --pid "$1" --name ' - TAV$' | tail -n 1 | grep .; }
 main_is_active() { [ "$(xdotool getactivewindow)" = "$(main_window "$1")" ]; }
 tav_raise() {
     local window
@@ -25,7 +25,7 @@ tav_raise() {
 }
 
 # The window of jobs is gone: as it closes the keyboard goes back to the window that had it before.
-no_job_runs() { ! xdotool search --onlyvisible --name '^TAV: File Operations$'; }
+no_job_runs() { ! find_windows --onlyvisible --name '^TAV: File Operations$'; }
 
 # tav_refresh PID: as the end of an operation anywhere does it.
 tav_refresh() { kill -WINCH "$1"; }
@@ -68,15 +68,15 @@ row_place_once() {
 }
 
 # form MIME: what the clipboard has in that form.
-form() { timeout 3 xclip -o -selection clipboard -t "$1" 2>/dev/null; }
+form() { timeout 20 xclip -o -selection clipboard -t "$1" 2>/dev/null; }
 form_is() { [ "$(form "$1" | od -c)" = "$(printf '%b' "$2" | od -c)" ]; }
 has_form() { xclip -o -selection clipboard -t TARGETS 2>/dev/null | grep -Fx -- "$1"; }
 clipboard_is_empty() { ! has_form text/uri-list && ! has_form text/plain; }
 
 # put_form MIME TEXT (with backslash escapes): as a program does that knows this form alone.
 put_form() {
-    printf '%b' "$2" | setsid xclip -i -selection clipboard -t "$1" -loops 0
-    wait_for "xclip has the clipboard" form_is "$1" "$2"
+    printf '%b' "$2" >"$work/form"
+    own "$1=$work/form"
 }
 
 # own FORM=FILE...: as a program does that knows several forms, see clip_owner.cpp.

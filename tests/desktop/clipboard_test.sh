@@ -84,9 +84,9 @@ select_rows "$first" a b d
 keys ctrl+x
 wait_for "d is marked" row_is_cut "$third" d
 paste_into "$second"
-wait_for "the question stands" xdotool search --onlyvisible --name '^Move$'
+wait_for "the question stands" find_windows --onlyvisible --name '^Move$'
 wait_for "a is marked while it waits" row_is_cut "$third" a
-wmctrl -a Move
+window_focus Move
 keys alt+s
 wait_for "b was moved" holds "$work/dst/b" "b of src"
 wait_for "d was moved" holds "$work/dst/d" "d of src"
@@ -102,9 +102,9 @@ select_rows "$first" a c
 keys ctrl+x
 wait_for "c is marked" row_is_cut "$third" c
 paste_into "$second"
-wait_for "the question stands" xdotool search --onlyvisible --name '^Move$'
+wait_for "the question stands" find_windows --onlyvisible --name '^Move$'
 put_form text/plain "other words"
-wmctrl -a Move
+window_focus Move
 keys alt+o
 wait_for "a was moved" holds "$work/dst/a" "a of src"
 wait_for "c was moved" holds "$work/dst/c" "c of src"

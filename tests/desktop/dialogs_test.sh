@@ -13,7 +13,6 @@ is_selected() { [ "$(selected)" = "$1" ]; }
 list_has_keyboard() { look_has 'list "File list" [focused]'; }
 active_is() { [ "$(xdotool getactivewindow getwindowname)" = "$1" ]; }
 dialog_is_up() { active_is "$1"; }
-no_window_named() { ! xdotool search --onlyvisible --name "^$1\$"; }
 
 # select_one NAME: the cursor and the selection are there and nowhere else.
 select_one() {

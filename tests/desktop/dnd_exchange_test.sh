@@ -40,7 +40,7 @@ partner() {
     wmctrl -F -r partner -e 0,100,500,200,150
     wait_for "it is in its place" partner_is_placed
 }
-partner_is_placed() { xdotool search --onlyvisible --name '^partner$' getwindowgeometry | grep 'Position: 10.,5[0-9][0-9]'; }
+partner_is_placed() { find_windows --onlyvisible --name '^partner$' getwindowgeometry | grep 'Position: 10.,5[0-9][0-9]'; }
 partner_end() {
     kill "$partner_pid"
     wait_for "the partner is gone" no_window_named partner

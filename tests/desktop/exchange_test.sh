@@ -45,7 +45,7 @@ for program in pcmanfm pcmanfm-qt; do
     [ "$program" = pcmanfm ] || option=--new-window
     setsid "$program" "$option" "$work/$theirs" >"$work/$program.out" 2>&1 &
     pids+=($!)
-    wait_for "$program is there" xdotool search --onlyvisible --name "^$theirs\$"
+    wait_for "$program is there" find_windows --onlyvisible --name "^$theirs\$"
 
     # From them, copied, then cut.
     other_takes ctrl+c "copied%20to%20us%25"

@@ -29,12 +29,12 @@ in_to() { cat "$dir/to/a" "$dir/to/b" "$dir/to/c" | paste -sd ' '; }
 to_is() { [ "$(in_to)" = "$1" ]; }
 selected() { look | sed -n 's/^ *list item "\([^"]*\)".*\[selected\].*/\1/p' | paste -sd ' '; }
 is_selected() { [ "$(selected)" = "$1" ]; }
-jobs_window() { xdotool search --all --onlyvisible --pid "$tav_pid" --name '^TAV: File Operations$'; }
+jobs_window() { find_windows --all --onlyvisible --pid "$tav_pid" --name '^TAV: File Operations$'; }
 no_jobs_window() { ! jobs_window; }
 asks() { look_has "The '$dir/to/$1' file exists."; }
 asks_nothing() { ! look_has "file exists."; }
 refreshed() { [ "$(wc -l <"$work/refreshes")" -gt "${1:-0}" ]; }
-main_window() { xdotool search --all --onlyvisible --pid "$tav_pid" --name ' - TAV$'; }
+main_window() { find_windows --all --onlyvisible --pid "$tav_pid" --name ' - TAV$'; }
 focus_main() { xdotool windowactivate "$(main_window)"; }
 main_is_active() { [ "$(xdotool getactivewindow)" = "$(main_window)" ]; }
 

@@ -122,8 +122,18 @@ tav_start_refused() {
     tav_start "$@"
 }
 
+# find_windows ARGUMENT...: as "xdotool search", which ends with an X error when any window on the display goes away
+# while it looks; then it looks again.
+find_windows() {
+    local found tries=50 errors=$work/find.$BASHPID
+    while ! found=$(xdotool search "$@" 2>"$errors"); do
+        grep -q 'X Error' "$errors" && [ $((tries -= 1)) -gt 0 ] || return
+    done
+    printf '%s\n' "$found"
+}
+
 # tav_window [PID]: the id of the visible main window.
-tav_window() { xdotool search --all --onlyvisible --pid "${1:-$tav_pid}" --name . 2>/dev/null | tail -n 1 | grep .; }
+tav_window() { find_windows --all --onlyvisible --pid "${1:-$tav_pid}" --name . | tail -n 1 | grep .; }
 
 # tav_shows DIRECTORY [PID]: the program shows it (its working directory follows what is shown).
 tav_shows() { [ "$(readlink "/proc/${2:-$tav_pid}/cwd")" = "$1" ] && tav_window "${2:-$tav_pid}"; }
@@ -135,6 +145,12 @@ tav_ready() {
 }
 
 tav_is_active() { [ "$(xdotool getactivewindow getwindowpid)" = "${1:-$tav_pid}" ]; }
+
+# tav_activate: asks the window manager for the keyboard; whether the last tav has it.
+tav_activate() {
+    local window
+    window=$(tav_window) && wmctrl -i -a "$window" && tav_is_active
+}
 
 tav_is_gone() { ! kill -0 "${1:-$tav_pid}" 2>/dev/null || grep -q '^State:.Z' "/proc/${1:-$tav_pid}/status"; }
 
@@ -149,7 +165,7 @@ tav_status() {
 # tav_close [PID]: as the user does by the window's frame.
 tav_close() { wait_for "its window can be closed" tav_close_once "${1:-$tav_pid}"; }
 tav_close_once() {
-    local window # not found while another program's window goes away under the search
+    local window
     window=$(tav_window "$1") && wmctrl -i -c "$window"
 }
 
@@ -176,8 +192,11 @@ click_on() {
 }
 
 # window_named NAME: whether a window of that title (a pattern) is there.
-window_named() { xdotool search --onlyvisible --name "^$1\$"; }
+window_named() { find_windows --onlyvisible --name "^$1\$"; }
 no_window_named() { ! window_named "$1"; }
+# window_focus NAME: the window of that title gets the keyboard.
+window_focus() { wait_for "$1 has the keyboard" window_focus_once "$1"; }
+window_focus_once() { active_is "$1" || { wmctrl -F -a "$1" && active_is "$1"; }; }
 active_is() { xdotool getactivewindow getwindowname | grep -x "$1"; }
 
 # stand_in NAME...: programs in $bin, first in PATH, that write their name and arguments

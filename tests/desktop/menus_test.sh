@@ -6,7 +6,7 @@ source "$(dirname "$0")/lib.sh"
 
 has_item() { look_has "menu item \"$1\""; }
 no_item() { ! has_item "$1"; }
-no_jobs_window() { ! xdotool search --all --onlyvisible --pid "$tav_pid" --name '^TAV: File Operations$'; }
+no_jobs_window() { ! find_windows --all --onlyvisible --pid "$tav_pid" --name '^TAV: File Operations$'; }
 
 # open_copy_to NAME: selects it and opens "Copy To" of the Edit menu, the hotlist's first directory active.
 open_copy_to() {

@@ -105,8 +105,7 @@ test_reader_gets_a_terminal() {
     wait_for "tav runs in a terminal" tav_in_terminal
     tav_pid=$(tav_in_terminal)
     wait_for "it shows the directory" tav_shows "$dir"
-    wmctrl -i -a "$(tav_window)"
-    wait_for "tav has the keyboard" tav_is_active
+    wait_for "tav has the keyboard" tav_activate
     types ":own_editor x"
     keys Return
     wait_for "the editor has got a terminal" test -e "$work/edited"

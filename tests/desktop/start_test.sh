@@ -71,7 +71,7 @@ test_states() {
 window_has_state() { xprop -id "$1" _NET_WM_STATE | grep "$2" >/dev/null; }
 iconified_window() {
     local window
-    window=$(xdotool search --pid "$tav_pid" --class tav | while read -r id; do
+    window=$(find_windows --pid "$tav_pid" --class tav | while read -r id; do
         xprop -id "$id" WM_STATE | grep Iconic >/dev/null && echo "$id"
     done)
     [ -n "$window" ]

@@ -154,7 +154,7 @@ test_hidden_bar() {
     expect "$dir,$HOME,$dir/deep/er,$dir/deep" "$(paste -sd , "$HOME/.ph/tav/goto.001")" "paths that are remembered"
     expect "*,*.txt" "$(paste -sd , "$HOME/.ph/tav/fspec.001")" "filters that are remembered"
 }
-windows() { xdotool search --onlyvisible --pid "$tav_pid" | wc -l; }
+windows() { find_windows --onlyvisible --pid "$tav_pid" | wc -l; }
 has_more_windows_than() { [ "$(windows)" -gt "$1" ]; }
 bar_is_gone() { ! look_has 'push button "New Folder"'; }
 
