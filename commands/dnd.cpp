@@ -23,7 +23,8 @@ namespace tav {
 namespace {
 
 // What a drop would do where the drag was last, as it was answered to the source. Keys that are
-// let go after the mouse button do not change it, however late the drop arrives.
+// let go after the mouse button do not change it, however late the drop and the last move before it
+// arrive.
 Qt::DropAction sAnswered = Qt::IgnoreAction;
 
 bool x_same(const struct stat &a, const struct stat &b)
@@ -123,7 +124,11 @@ bool dnd_is_files(const QDropEvent &event)
 
 bool dnd_accepts(QDropEvent &event, int index)
 {
-    sAnswered = dnd_action(event.modifiers(), event.possibleActions());
+    // The toolkit tells what is held now, not when the pointer was there.
+    const bool late = event.type() == QEvent::DragMove && event.buttons() == Qt::NoButton &&
+                      event.possibleActions() & sAnswered;
+    if (!late)
+        sAnswered = dnd_action(event.modifiers(), event.possibleActions());
     if (!dnd_is_files(event) || !gDir.has_path ||
         !(event.possibleActions() & (Qt::CopyAction | Qt::MoveAction)) ||
         x_is_refused(*event.mimeData(), index))

@@ -21,13 +21,14 @@ struct Drag {
     std::unique_ptr<QMimeData> data;
     Qt::DropActions possible = COPY_OR_MOVE;
     Qt::KeyboardModifiers modifiers;
+    Qt::MouseButtons buttons = Qt::LeftButton;
     bool accepted = false;
     Qt::DropAction action = Qt::IgnoreAction;
 
     template <typename Event>
     void send(const FlWindow &window, const QPoint &at)
     {
-        Event event(at, possible, data.get(), Qt::LeftButton, modifiers);
+        Event event(at, possible, data.get(), buttons, modifiers);
         QApplication::sendEvent(window.list->viewport(), &event);
         accepted = event.isAccepted();
         action = event.dropAction();
@@ -347,6 +348,25 @@ private Q_SLOTS:
         drag.modifiers = ctrl ? Qt::ControlModifier : Qt::NoModifier;
         drag.enter(*m_window, empty());
         drag.modifiers ^= Qt::ControlModifier;
+        drag.send<QDropEvent>(*m_window, empty());
+        QCOMPARE(gJobs, std::vector{job + path("other") + ": file -> " + here()});
+    }
+
+    void a_key_let_go_before_the_last_move_has_arrived_changes_nothing_data()
+    {
+        a_key_let_go_after_the_button_changes_nothing_data();
+    }
+    void a_key_let_go_before_the_last_move_has_arrived_changes_nothing()
+    {
+        QFETCH(bool, ctrl);
+        QFETCH(std::string, job);
+        Drag drag = x_foreign("text/uri-list", "file://" + path("other/file") + "\r\n");
+        drag.modifiers = ctrl ? Qt::ControlModifier : Qt::NoModifier;
+        drag.enter(*m_window, empty());
+        drag.modifiers ^= Qt::ControlModifier;
+        drag.buttons = Qt::NoButton;
+        drag.move(*m_window, empty());
+        QCOMPARE(drag.action, ctrl ? Qt::CopyAction : Qt::MoveAction);
         drag.send<QDropEvent>(*m_window, empty());
         QCOMPARE(gJobs, std::vector{job + path("other") + ": file -> " + here()});
     }
