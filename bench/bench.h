@@ -72,6 +72,11 @@ const std::string &bench_scratch(BenchPlace place);
 // below path.
 void bench_forget(const std::string &path);
 
+// Uses that many bytes of free memory and gives them back. A virtual machine's host takes away what
+// was free for some seconds; whoever needs it next waits for it, which can take longer than what is
+// measured. To be called last before a run.
+void bench_touch_memory(size_t bytes);
+
 // How the name of a row ends that is measured so: "_cold", or "_cold_contents" where names and
 // statuses stay in memory.
 const char *bench_cold();

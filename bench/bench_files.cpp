@@ -2,12 +2,14 @@
 // with.
 #include "bench/bench.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>
 #include <map>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <system_error>
@@ -166,6 +168,19 @@ void bench_forget(const std::string &path)
         if (entry.is_regular_file(error) && !entry.is_symlink(error))
             x_forget_contents(entry.path().string());
     }
+}
+
+void bench_touch_memory(size_t bytes)
+{
+    const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    const auto free = static_cast<size_t>(sysconf(_SC_AVPHYS_PAGES)) * page;
+    bytes = std::min(bytes, free / 8 * 7);
+    if (bytes == 0)
+        return;
+    void *memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE,
+                        MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE, -1, 0);
+    if (memory != MAP_FAILED)
+        munmap(memory, bytes);
 }
 
 long long bench_getdents_loop(const char *path)

@@ -114,19 +114,20 @@ struct Measure {
     BenchRow row;
     BenchPlace place;
     bool cold;
+    size_t memory; // that is made ready for the kernel's copies of the files
 };
 
 // The wanted rows of one measure. name: without the place.
 std::vector<Measure> x_measures(const std::string &name, BenchPlace place, double limit,
-                                int pairs = 5)
+                                int pairs = 5, size_t memory = 0)
 {
     bool disk = place == BenchPlace::Disk;
     const std::string warm = name + (disk ? "_disk" : "_tmpfs");
     std::vector<Measure> wanted;
     if (bench_wants(warm))
-        wanted.push_back({{warm, limit, pairs}, place, false});
+        wanted.push_back({{warm, limit, pairs}, place, false, memory});
     if (disk && bench_wants(warm + bench_cold()))
-        wanted.push_back({{warm + bench_cold(), limit, pairs}, place, true});
+        wanted.push_back({{warm + bench_cold(), limit, pairs}, place, true, memory});
     return wanted;
 }
 
@@ -141,6 +142,7 @@ void x_compare(const Measure &measure, const std::string &source, BenchSide ours
                 bench_forget(source);
             else if (measure.place == BenchPlace::Disk)
                 ::sync();
+            bench_touch_memory(measure.memory);
         };
     }
     bench_compare(measure.row, ours, other);
@@ -183,7 +185,7 @@ void x_small(BenchPlace place)
 
 void x_large(BenchPlace place)
 {
-    const std::vector<Measure> measures = x_measures("copy_large", place, 1.05);
+    const std::vector<Measure> measures = x_measures("copy_large", place, 1.05, 5, 5 * LARGE);
     if (measures.empty())
         return;
     const std::string &scratch = bench_scratch(place);
