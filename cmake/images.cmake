@@ -1,4 +1,5 @@
 # The images of resources/images/, drawn at the usual sizes, as one more resource of the program.
+# Not compressed: to unpack one costs more than to draw it.
 file(GLOB TAV_IMAGES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/resources/images/*.svg)
 set(TAV_DRAWN ${CMAKE_BINARY_DIR}/drawn)
 file(MAKE_DIRECTORY ${TAV_DRAWN})
@@ -9,6 +10,6 @@ target_link_libraries(draw_images PRIVATE Qt6::Svg tav_compiler)
 
 add_custom_command(OUTPUT ${TAV_DRAWN}/qrc_drawn.cpp
     COMMAND draw_images ${TAV_DRAWN} ${TAV_IMAGES}
-    COMMAND Qt6::rcc --name drawn -o ${TAV_DRAWN}/qrc_drawn.cpp ${TAV_DRAWN}/drawn.qrc
+    COMMAND Qt6::rcc --no-compress --name drawn -o ${TAV_DRAWN}/qrc_drawn.cpp ${TAV_DRAWN}/drawn.qrc
     DEPENDS draw_images ${TAV_IMAGES}
     COMMENT "Drawing the images")

@@ -36,23 +36,15 @@ struct SelectionNotify {
 
 class TakingWatch : public QAbstractNativeEventFilter {
 public:
-    explicit TakingWatch(xcb_connection_t *server) : m_server(server)
-    {
-        constexpr std::string_view FIXES = "XFIXES", CLIPBOARD = "CLIPBOARD";
-        const auto fixes_cookie = xcb_query_extension(server, FIXES.size(), FIXES.data());
-        const auto atom_cookie = xcb_intern_atom(server, 0, CLIPBOARD.size(), CLIPBOARD.data());
-        const Reply<xcb_query_extension_reply_t> fixes(
-            xcb_query_extension_reply(server, fixes_cookie, nullptr), free);
-        const Reply<xcb_intern_atom_reply_t> atom(
-            xcb_intern_atom_reply(server, atom_cookie, nullptr), free);
-        if (!fixes || !fixes->present || !atom)
-            return;
-        m_event = fixes->first_event;
-        m_clipboard = atom->atom;
-    }
+    explicit TakingWatch(xcb_connection_t *server)
+        : m_server(server), m_fixes(xcb_query_extension(server, FIXES.size(), FIXES.data())),
+          m_atom(xcb_intern_atom(server, 0, CLIPBOARD.size(), CLIPBOARD.data()))
+    {}
 
     bool nativeEventFilter(const QByteArray &, void *message, qintptr *) override
     {
+        if (!m_answered)
+            take_answers();
         const auto *event = static_cast<const SelectionNotify *>(message);
         if (m_event != 0 && (event->response_type & 0x7F) == m_event &&
             event->selection == m_clipboard && !is_ours(event->owner))
@@ -61,6 +53,22 @@ public:
     }
 
 private:
+    static constexpr std::string_view FIXES = "XFIXES", CLIPBOARD = "CLIPBOARD";
+
+    // With the first event the answers are there already, as a rule.
+    void take_answers()
+    {
+        m_answered = true;
+        const Reply<xcb_query_extension_reply_t> fixes(
+            xcb_query_extension_reply(m_server, m_fixes, nullptr), free);
+        const Reply<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(m_server, m_atom, nullptr),
+                                                  free);
+        if (!fixes || !fixes->present || !atom)
+            return;
+        m_event = fixes->first_event;
+        m_clipboard = atom->atom;
+    }
+
     // A connection's windows are those with its number in them.
     bool is_ours(xcb_window_t window) const
     {
@@ -69,6 +77,9 @@ private:
     }
 
     xcb_connection_t *m_server;
+    xcb_query_extension_cookie_t m_fixes;
+    xcb_intern_atom_cookie_t m_atom;
+    bool m_answered = false;
     uint8_t m_event = 0; // the first of the extension's, which is this one; 0: it has none
     xcb_atom_t m_clipboard = XCB_ATOM_NONE;
 };

@@ -9,6 +9,8 @@
 #include <QStringList>
 #include <cstring>
 #include <fontconfig/fontconfig.h>
+#include <pthread.h>
+#include <sched.h>
 
 namespace tav {
 namespace {
@@ -102,7 +104,14 @@ void fonts_to_name(const QFont &font, char *name, size_t size)
 
 void fonts_read_early()
 {
-    worker_start([] { FcInit(); }, WORKER_STACK_LARGE); // else it is read when it is needed
+    // Only where nobody else wants the processor: the display server, which the toolkit waits for
+    // meanwhile, goes first. Not read in time, or at all, it is read when it is needed.
+    const auto read = [] {
+        const sched_param none = {};
+        pthread_setschedparam(pthread_self(), SCHED_IDLE, &none);
+        FcInit();
+    };
+    worker_start(read, WORKER_STACK_LARGE);
 }
 
 } // namespace tav

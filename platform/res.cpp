@@ -5,11 +5,11 @@
 #include <QFile>
 #include <QHash>
 #include <QIconEngine>
+#include <QImageReader>
 #include <QPainter>
 #include <QPixmapCache>
 #include <QStyle>
 #include <QStyleOption>
-#include <QSvgRenderer>
 #include <string>
 #include <unordered_map>
 
@@ -49,17 +49,6 @@ std::unordered_map<std::string, std::string> x_read_texts()
 
 QString x_path(const QString &name) { return QStringLiteral(":/images/%1.svg").arg(name); }
 
-QImage x_draw(const QString &name, const QSize &size)
-{
-    QImage image(size, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    QSvgRenderer renderer(x_path(name));
-    renderer.setAspectRatioMode(Qt::KeepAspectRatio);
-    renderer.render(&painter, QRect(QPoint(), size));
-    return image;
-}
-
 // As the build has drawn it; null where it did not, because few screens ask for that size.
 QImage x_take_drawn(const QString &name, const QSize &size)
 {
@@ -69,6 +58,27 @@ QImage x_take_drawn(const QString &name, const QSize &size)
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
     const qint64 bytes = image.sizeInBytes();
     return file.read(reinterpret_cast<char *>(image.bits()), bytes) == bytes ? image : QImage();
+}
+
+// What every image was drawn at; the largest of them.
+constexpr int sLargestDrawn = 48;
+
+// The toolkit's reader is a plugin, which is loaded for the first image of an unusual size. Without
+// it an image is not as sharp as it could be.
+QImage x_draw(const QString &name, const QSize &size)
+{
+    QImageReader reader(x_path(name), "svg");
+    const QSize inside = reader.size().scaled(size, Qt::KeepAspectRatio);
+    reader.setScaledSize(inside);
+    QImage drawn = reader.read();
+    if (drawn.isNull())
+        drawn = x_take_drawn(name, {sLargestDrawn, sLargestDrawn})
+                    .scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    const QSize rest = size - drawn.size();
+    QPainter(&image).drawImage(rest.width() / 2, rest.height() / 2, drawn);
+    return image;
 }
 
 // Draws an image of ours at the size that is asked for, and reads it no sooner than then. (The

@@ -1,6 +1,6 @@
 // The toolkit's style with what it lacks for us: boxes to check that can be seen on a dark window,
-// flat bars, headers and menus, and an image of a bar's extension that needs no image plugin at
-// every start.
+// flat bars, headers, fields and menus, and an image of a bar's extension that needs no image
+// plugin at every start.
 #include "platform/style.h"
 
 #include "platform/res.h"
@@ -43,6 +43,8 @@ public:
             painter->fillRect(option->rect, option->palette.color(QPalette::Window));
         else if (element == PE_Frame && !is_list_of_box(widget))
             style_flat_frame(*option, *painter);
+        else if (element == PE_FrameLineEdit)
+            style_flat_field(*option, *painter);
         else if (element == PE_PanelMenu)
             style_flat_menu(*option, *painter);
         else if (element == PE_FrameMenu)
@@ -74,9 +76,12 @@ public:
                             QPainter *painter, const QWidget *widget) const override
     {
         const auto *bar = qstyleoption_cast<const QStyleOptionSlider *>(option);
+        const auto *box = qstyleoption_cast<const QStyleOptionComboBox *>(option);
         if (control == CC_ScrollBar && bar && is_known())
             style_flat_scroll_bar(*bar, subControlRect(control, bar, SC_ScrollBarSlider, widget),
                                   *painter);
+        else if (control == CC_ComboBox && box && box->editable && is_known())
+            style_flat_box(*box, subControlRect(control, box, SC_ComboBoxArrow, widget), *painter);
         else
             QProxyStyle::drawComplexControl(control, option, painter, widget);
     }

@@ -1,10 +1,11 @@
 // The flat look; see the header.
 #include "platform/style_flat.h"
 
+#include "platform/draw.h"
+
 #include <QPainter>
 #include <QStyleOption>
 #include <algorithm>
-#include <qdrawutil.h>
 
 namespace tav {
 
@@ -12,34 +13,49 @@ namespace {
 
 constexpr int sLit = 104;        // what a bar's upper edge is lightened by, in percent
 constexpr int sPressed = 110;    // what a header is darkened by while it is pressed, in percent
-constexpr int sLine = 60;        // how much of the text's colour a thin line has, of 255
 constexpr int sLineMargin = 3;   // pixels above and below the line between two headers
 constexpr int sSliderMargin = 3; // pixels between a slider and the sides of its bar
+constexpr int sArrow = 4;        // pixels: how high an arrow is, and half of its width
+constexpr int sMenuMargin = 5;   // pixels between a menu's outline and the lines in it
 
-constexpr int sFrame = 110;    // how much of it a menu's outline has, of 255
-constexpr int sMenuMargin = 5; // pixels between a menu's outline and the lines in it
+// How much of the text's colour each has.
+constexpr double sLine = 0.24;      // a thin line
+constexpr double sFieldLine = 0.35; // the outline of a text field
+constexpr double sMenuLine = 0.43;  // that of a menu
+constexpr double sArrowInk = 0.7;
+constexpr double sArrowGround = 0.1; // behind an arrow below the pointer
+constexpr double sArrowHeld = 0.24;
+constexpr double sSlider = 0.31;
+constexpr double sSliderHovered = 0.47;
+constexpr double sSliderHeld = 0.59;
 
-// How much of the text's colour a slider has, of 255.
-constexpr int sSlider = 80;
-constexpr int sSliderHovered = 120;
-constexpr int sSliderHeld = 150;
+// The share of the text's colour that a line or a sign has, on its ground.
+QColor x_ink(const QStyleOption &option, double share, QPalette::ColorRole ground)
+{
+    return draw_mix(option.palette.color(QPalette::WindowText), option.palette.color(ground),
+                    share);
+}
 
 QColor x_slider_colour(const QStyleOptionSlider &bar)
 {
     const bool meant = bar.activeSubControls & QStyle::SC_ScrollBarSlider;
     const bool held = meant && (bar.state & QStyle::State_Sunken);
     const bool hovered = meant && (bar.state & QStyle::State_MouseOver);
-    QColor colour = bar.palette.color(QPalette::WindowText);
-    colour.setAlpha(held ? sSliderHeld : hovered ? sSliderHovered : sSlider);
-    return colour;
+    return x_ink(bar, held ? sSliderHeld : hovered ? sSliderHovered : sSlider, QPalette::Window);
 }
 
 // Thin lines are seen on light and on dark windows.
-QColor x_line_colour(const QStyleOption &option)
+QColor x_line_colour(const QStyleOption &option) { return x_ink(option, sLine, QPalette::Window); }
+
+// In steps of half a pixel, which screens of 200 % show.
+void x_arrow_down(const QPoint &centre, const QColor &colour, QPainter &painter)
 {
-    QColor colour = option.palette.color(QPalette::WindowText);
-    colour.setAlpha(sLine);
-    return colour;
+    constexpr double STEP = 0.5;
+    for (int i = 0; i < 2 * sArrow; i++) {
+        const double half = sArrow - i * STEP;
+        painter.fillRect(
+            QRectF(centre.x() + STEP - half, centre.y() - 1 + i * STEP, 2 * half, STEP), colour);
+    }
 }
 
 } // namespace
@@ -79,12 +95,25 @@ void style_flat_header(const QStyleOptionHeader &header, QPainter &painter)
 
 void style_flat_frame(const QStyleOption &frame, QPainter &painter)
 {
-    const QRect &area = frame.rect;
-    const QColor line = x_line_colour(frame);
-    painter.fillRect(area.left(), area.top(), area.width(), 1, line);
-    painter.fillRect(area.left(), area.bottom(), area.width(), 1, line);
-    painter.fillRect(area.left(), area.top() + 1, 1, area.height() - 2, line);
-    painter.fillRect(area.right(), area.top() + 1, 1, area.height() - 2, line);
+    draw_outline(painter, frame.rect, x_line_colour(frame));
+}
+
+void style_flat_field(const QStyleOption &field, QPainter &painter)
+{
+    draw_outline(painter, field.rect,
+                 field.state & QStyle::State_HasFocus ? field.palette.color(QPalette::Highlight)
+                                                      : x_ink(field, sFieldLine, QPalette::Window));
+}
+
+void style_flat_box(const QStyleOptionComboBox &box, const QRect &arrow, QPainter &painter)
+{
+    painter.fillRect(box.rect, box.palette.color(QPalette::Base));
+    const bool meant = box.activeSubControls & QStyle::SC_ComboBoxArrow;
+    const bool held = meant && box.state & QStyle::State_Sunken;
+    if (held || (meant && box.state & QStyle::State_MouseOver))
+        painter.fillRect(arrow, x_ink(box, held ? sArrowHeld : sArrowGround, QPalette::Base));
+    x_arrow_down(arrow.center(), x_ink(box, sArrowInk, QPalette::Base), painter);
+    style_flat_field(box, painter);
 }
 
 void style_flat_scroll_bar(const QStyleOptionSlider &bar, const QRect &slider, QPainter &painter)
@@ -138,21 +167,14 @@ void style_flat_menu(const QStyleOption &menu, QPainter &painter)
 
 void style_flat_menu_frame(const QStyleOption &menu, QPainter &painter)
 {
-    const QColor text = menu.palette.color(QPalette::WindowText);
-    const QColor base = menu.palette.color(QPalette::Base);
-    const auto mixed = [](int of_text, int of_base) {
-        return (of_text * sFrame + of_base * (255 - sFrame)) / 255;
-    };
-    const QColor line(mixed(text.red(), base.red()), mixed(text.green(), base.green()),
-                      mixed(text.blue(), base.blue()));
-    qDrawPlainRect(&painter, menu.rect, line);
+    draw_outline(painter, menu.rect, x_ink(menu, sMenuLine, QPalette::Base));
 }
 
 void style_flat_menu_line(const QStyleOption &item, QPainter &painter)
 {
     const QRect &area = item.rect;
     painter.fillRect(area.left() + sMenuMargin, area.center().y(), area.width() - 2 * sMenuMargin,
-                     1, x_line_colour(item));
+                     1, x_ink(item, sLine, QPalette::Base));
 }
 
 } // namespace tav

@@ -7,13 +7,16 @@
 #include <QImage>
 #include <QPainter>
 #include <QSvgRenderer>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 
 namespace {
 
 // Pixels: 12, 16 and 24, which the program uses, on screens of 100, 125, 150 and 200 %.
 constexpr int sSides[] = {12, 15, 16, 18, 20, 24, 30, 32, 36, 48};
+constexpr int sIconSides[] = {64, 128}; // of the program's icon, besides; window managers want them
 
 void x_write(const QString &path, const QByteArray &bytes)
 {
@@ -35,6 +38,14 @@ QByteArray x_draw(QSvgRenderer &renderer, int side)
     return {reinterpret_cast<const char *>(image.constBits()), image.sizeInBytes()};
 }
 
+QList<int> x_sides(const QString &image)
+{
+    QList<int> sides(std::begin(sSides), std::end(sSides));
+    if (image == QLatin1String("tav"))
+        std::copy(std::begin(sIconSides), std::end(sIconSides), std::back_inserter(sides));
+    return sides;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -48,9 +59,9 @@ int main(int argc, char **argv)
             std::fprintf(stderr, "draw_images: cannot draw %s\n", argv[i]);
             return EXIT_FAILURE;
         }
-        for (const int side : sSides) {
-            const QString name =
-                QFileInfo(path).baseName() + QLatin1Char('-') + QString::number(side);
+        const QString image = QFileInfo(path).baseName();
+        for (const int side : x_sides(image)) {
+            const QString name = image + QLatin1Char('-') + QString::number(side);
             x_write(folder + QLatin1Char('/') + name, x_draw(renderer, side));
             list += "<file>" + name.toLatin1() + "</file>\n";
         }

@@ -2,6 +2,7 @@
 #include "views/fl_paint.h"
 
 #include "model/dir.h"
+#include "platform/draw.h"
 #include "platform/shown.h"
 #include "views/fl_header.h"
 #include "views/fl_text.h"
@@ -9,7 +10,6 @@
 
 #include <QPainter>
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <vector>
 
@@ -38,14 +38,6 @@ struct RowLook {
 
 constexpr int sFitCandidates = 256; // longest texts that are measured
 
-QColor x_mix(const QColor &a, const QColor &b, double part)
-{
-    const auto mix = [part](int x, int y) {
-        return static_cast<int>(std::lround(x * part + y * (1.0 - part)));
-    };
-    return {mix(a.red(), b.red()), mix(a.green(), b.green()), mix(a.blue(), b.blue())};
-}
-
 // Which of two colours is read better on a ground.
 QColor x_readable(const QColor &ground, const QColor &a, const QColor &b)
 {
@@ -60,18 +52,19 @@ Look x_look(const FlView &view)
     const QPalette::ColorGroup group = active ? QPalette::Active : QPalette::Inactive;
     Look look;
     look.base = palette.color(group, QPalette::Base);
-    look.alternate = x_mix(palette.color(group, QPalette::AlternateBase), look.base, 0.7);
+    look.alternate = draw_mix(palette.color(group, QPalette::AlternateBase), look.base, 0.7);
     look.text = palette.color(group, QPalette::Text);
-    look.soft = x_mix(look.text, look.base, 0.72);
+    look.soft = draw_mix(look.text, look.base, 0.72);
     look.selected = palette.color(group, QPalette::Highlight);
     look.selected_text = palette.color(group, QPalette::HighlightedText);
     if (!active && look.selected == palette.color(QPalette::Active, QPalette::Highlight)) {
-        look.selected = x_mix(look.selected, look.base, 0.45); // a style without an inactive colour
+        look.selected =
+            draw_mix(look.selected, look.base, 0.45); // a style without an inactive colour
         look.selected_text = x_readable(look.selected, look.text, look.selected_text);
     }
-    look.frame = x_mix(palette.color(group, QPalette::Highlight), look.text, 0.75);
+    look.frame = draw_mix(palette.color(group, QPalette::Highlight), look.text, 0.75);
     if (!active)
-        look.frame = x_mix(look.frame, look.base, 0.5);
+        look.frame = draw_mix(look.frame, look.base, 0.5);
     for (int column = 1; column <= FL_COLUMNS; ++column)
         look.columns[column - 1] = view.header()->section(column).translated(-view.left(), 0);
     return look;
@@ -120,13 +113,6 @@ void x_paint_image(QPainter &painter, const FlView &view, const RowLook &row, co
         view.image(fl_row_image(row.index)).paint(&painter, area);
 }
 
-void x_paint_frame(QPainter &painter, const QRect &area, const QColor &colour)
-{
-    painter.setPen(colour);
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRect(area.adjusted(0, 0, -1, -1));
-}
-
 void x_paint_row(QPainter &painter, const FlView &view, const Look &look, const RowLook &row)
 {
     if (row.selected)
@@ -138,8 +124,8 @@ void x_paint_row(QPainter &painter, const FlView &view, const Look &look, const 
         x_paint_text(painter, row, look.columns[column - 1], column);
     }
     if (row.current)
-        x_paint_frame(painter, row.area,
-                      row.selected ? x_mix(look.frame, look.selected_text, 0.5) : look.frame);
+        draw_outline(painter, row.area,
+                     row.selected ? draw_mix(look.frame, look.selected_text, 0.5) : look.frame);
 }
 
 // A size that is cut looks like a smaller one: it rather takes from its neighbour, as long as most
@@ -214,7 +200,7 @@ void fl_paint(const FlView &view, QPainter &painter, const QRect &area)
         x_paint_row(painter, view, look, what);
     }
     if (view.drop_row() >= 0)
-        x_paint_frame(painter, view.row_rect(view.drop_row()).adjusted(1, 1, -1, -1), look.frame);
+        draw_outline(painter, view.row_rect(view.drop_row()).adjusted(1, 1, -1, -1), look.frame);
 }
 
 QString fl_paint_cut_text(const FlView &view, const QPoint &position)

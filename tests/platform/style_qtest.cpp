@@ -3,12 +3,18 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QFile>
+#include <QFrame>
+#include <QLineEdit>
 #include <QMenu>
 #include <QPixmap>
 #include <QProxyStyle>
 #include <QRadioButton>
 #include <QScrollBar>
 #include <QStyle>
+#include <QStyleOptionComboBox>
 #include <QTest>
 
 using namespace tav;
@@ -27,6 +33,17 @@ int x_contrast(QAbstractButton &button)
         for (int x = 0; x < image.width(); x++)
             most = std::max(most, std::abs(image.pixelColor(x, y).lightness() - window));
     return most;
+}
+
+QStringList x_thread_names()
+{
+    QStringList names;
+    for (const QString &thread : QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs)) {
+        QFile file(QStringLiteral("/proc/self/task/%1/comm").arg(thread));
+        if (file.open(QIODevice::ReadOnly))
+            names.append(QString::fromLatin1(file.readAll()).trimmed());
+    }
+    return names;
 }
 
 } // namespace
@@ -84,6 +101,71 @@ private Q_SLOTS:
         QVERIFY(std::abs(image.pixelColor(middle, 0).lightness() - ground) > 40);
         QVERIFY(std::abs(image.pixelColor(0, across).lightness() - ground) > 40);
         QVERIFY(std::abs(image.pixelColor(middle, across).lightness() - ground) > 25);
+    }
+
+    void a_text_field_stands_out_on_any_window_data() { a_box_to_check_stands_out_data(); }
+    void a_text_field_stands_out_on_any_window()
+    {
+        QFETCH(QColor, window);
+        QFETCH(QColor, base);
+        QPalette palette(window);
+        palette.setColor(QPalette::Base, base);
+        QApplication::setPalette(palette);
+        QLineEdit field;
+        QComboBox box;
+        box.setEditable(true);
+        for (QWidget *widget : {static_cast<QWidget *>(&field), static_cast<QWidget *>(&box)}) {
+            widget->resize(100, 24);
+            const QImage image = widget->grab().toImage();
+            for (const QPoint &edge :
+                 {QPoint(0, 12), QPoint(99, 12), QPoint(50, 0), QPoint(50, 23)})
+                QVERIFY(std::abs(image.pixelColor(edge).lightness() - window.lightness()) > 40);
+        }
+        QStyleOptionComboBox option;
+        option.initFrom(&box);
+        option.editable = true;
+        const QRect arrow = box.style()->subControlRect(QStyle::CC_ComboBox, &option,
+                                                        QStyle::SC_ComboBoxArrow, &box);
+        const QImage image = box.grab().toImage();
+        QVERIFY(std::abs(image.pixelColor(arrow.center()).lightness() - base.lightness()) > 80);
+    }
+
+    void a_text_field_with_the_keyboard_shows_it()
+    {
+        QWidget window;
+        QLineEdit field(&window), other(&window);
+        QComboBox box(&window);
+        box.setEditable(true);
+        int y = 0;
+        for (QWidget *widget : {static_cast<QWidget *>(&field), static_cast<QWidget *>(&other),
+                                static_cast<QWidget *>(&box)})
+            widget->setGeometry(0, y++ * 40, 100, 24);
+        window.show();
+        window.activateWindow();
+        const QColor lit = window.palette().color(QPalette::Highlight);
+        for (QWidget *widget : {static_cast<QWidget *>(&field), static_cast<QWidget *>(&box)}) {
+            other.setFocus();
+            QVERIFY(widget->grab().toImage().pixelColor(0, 12) != lit);
+            widget->setFocus();
+            QTRY_VERIFY(widget->hasFocus());
+            QCOMPARE(widget->grab().toImage().pixelColor(0, 12), lit);
+        }
+    }
+
+    // Where a fill or a line is handed to threads, they are there afterwards.
+    void nothing_of_a_window_is_drawn_by_threads()
+    {
+        QFrame frame;
+        frame.setFrameShape(QFrame::StyledPanel);
+        QScrollBar bar(Qt::Vertical);
+        QLineEdit field;
+        bar.setRange(0, 10);
+        for (QWidget *widget : {static_cast<QWidget *>(&frame), static_cast<QWidget *>(&bar),
+                                static_cast<QWidget *>(&field)}) {
+            widget->resize(600, 800);
+            QVERIFY(!widget->grab().isNull());
+        }
+        QCOMPARE(x_thread_names().count(QStringLiteral("Thread (pooled)")), 0);
     }
 
     void the_style_that_is_asked_for_stays_below()
