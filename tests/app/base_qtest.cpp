@@ -222,6 +222,20 @@ private Q_SLOTS:
         QCOMPARE(lengths_to_pixels(saved().hotlist_width), panel);
     }
 
+    // Else every maximised start would leave it wider than the one before.
+    void aWindowMadeWiderGivesItsWidthToTheList()
+    {
+        start();
+        const int panel = w_find("hotlist_panel")->width();
+        gBase->resize(gBase->width() + 300, gBase->height());
+        QTRY_COMPARE(w_find("workspace")->width(), gBase->width());
+        QCOMPARE(w_find("hotlist_panel")->width(), panel);
+        gBase->showMaximized();
+        QTRY_VERIFY(gBase->isMaximized());
+        finish();
+        QCOMPARE(saved().hotlist_width, 190);
+    }
+
     void aPanelHiddenMeanwhileKeepsTheWidthThatItHad()
     {
         start();
