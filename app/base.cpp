@@ -204,7 +204,8 @@ void base_update()
     status_bar_update();
     tb_curpath_set_text(gDir.path.c_str());
     tb_update();
-    gBase->setWindowTitle(shown_text(gDir.path) + QStringLiteral(" - TAV"));
+    const QString shown = gDir.has_path ? shown_text(gDir.path) + QStringLiteral(" - ") : QString();
+    gBase->setWindowTitle(shown + QStringLiteral("TAV"));
     const QWidget *focus = QApplication::focusWidget();
     if (!x_is_below_dialog() && !(fl_is_outside() && x_is_text_field(focus)))
         w_find("filelist")->setFocus(Qt::OtherFocusReason); // not the window: it may not be in use
@@ -232,8 +233,8 @@ int base_setup(BaseReason reason)
 {
     if (reason == BaseReason::before_realize)
         x_setup_before();
-    else
-        fl_setpath(gStartPath.c_str());
+    else if (fl_setpath(gStartPath.c_str()) != 0)
+        base_update(); // nothing is shown: the buttons and the keyboard follow all the same
     show_sort_method();
     return W_CONTINUE;
 }

@@ -122,6 +122,11 @@ private Q_SLOTS:
         QCOMPARE(seen->text, said.arg(QString::fromStdString(directory)));
         QVERIFY(gBase->isVisible());
         QCOMPARE(gDir.count, 0);
+        QCOMPARE(gBase->focusWidget(), w_find("filelist"));
+        for (const char *button : {"tb_back", "tb_forward", "tb_copy", "tb_delete"})
+            QVERIFY2(!w_find(button)->isEnabled(), button);
+        fl_refresh();
+        QCOMPARE(gBase->windowTitle(), QStringLiteral("TAV"));
     }
 
     void theWindowOpensTheStartDirectoryWithTheListFocused()
