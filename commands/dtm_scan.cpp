@@ -9,6 +9,7 @@
 #include <iterator>
 #include <new>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace tav {
 
@@ -20,6 +21,15 @@ struct CloseDir {
     void operator()(DIR *dir) const { closedir(dir); }
 };
 using Dir = std::unique_ptr<DIR, CloseDir>;
+
+// A directory that tells its names, but in which none can be reached, has nothing to offer.
+Dir x_open(const char *path)
+{
+    Dir dir(gDtmOpendir(path));
+    if (dir && faccessat(dirfd(dir.get()), ".", X_OK, AT_EACCESS) != 0)
+        dir.reset();
+    return dir;
+}
 
 bool x_is_skipped(const char *name, unsigned flags)
 {
@@ -125,7 +135,7 @@ void dtm_sort(std::vector<std::string> &names)
 
 bool dtm_is_subdirs(const char *path, unsigned flags)
 {
-    const Dir dir(gDtmOpendir(path));
+    const Dir dir = x_open(path);
     return dir && x_next(dir.get(), flags, nullptr) != nullptr;
 }
 
@@ -133,7 +143,7 @@ int dtm_dir_scan(const char *path, unsigned flags, const std::atomic<bool> &canc
                  std::vector<std::string> &names)
 {
     names.clear();
-    const Dir dir(gDtmOpendir(path));
+    const Dir dir = x_open(path);
     if (!dir)
         return -1;
     while (const dirent *entry = x_next(dir.get(), flags, &cancel))

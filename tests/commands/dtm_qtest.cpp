@@ -1,6 +1,7 @@
 // Destination menus: cascades of directories, their scans, their looks, choosing.
 #include "commands/dtm_fixture.h"
 #include "platform/pool.h"
+#include "support/ordinary.h"
 
 #include <QScreen>
 #include <QStyleOptionMenuItem>
@@ -125,6 +126,21 @@ private Q_SLOTS:
         QVERIFY(!item->menu() && menu.isVisible() && !box());
     }
 
+    void directory_in_which_nothing_can_be_reached_becomes_plain()
+    {
+        m->dir.dir("closed/sub");
+        chmod(m->dir.path().c_str(), 0755);
+        chmod(m->dir.at("closed").c_str(), 0444); // its names can be read, no more
+        const Ordinary nobody;
+        QMenu menu;
+        DirMenuItem *item = dtm_add_item(&menu, m->dir.at("closed"), "x", 0, dtm_chosen);
+        DirMenuItem *with = dtm_add_item(&menu, m->dir.at("closed"), "x", DTM_EXAMINE, dtm_chosen);
+        menu.popup(QPoint(0, 0));
+        menu.setActiveAction(item);
+        QTRY_COMPARE(item->state(), DtmState::plain);
+        QTRY_COMPARE(with->state(), DtmState::plain);
+    }
+
     void subdirectory_that_vanishes_while_the_menu_is_open_becomes_plain()
     {
         m->dir.dir("sub/below");
@@ -195,6 +211,20 @@ private Q_SLOTS:
         QTest::keyClick(&menu, Qt::Key_Return, Qt::ControlModifier);
         QTRY_COMPARE(gChosen, std::vector{m->dir.path()});
         QVERIFY(!menu.isVisible());
+    }
+
+    void enter_opens_the_submenu_of_an_item_that_has_one_and_chooses_nothing()
+    {
+        m->dir.dir("sub");
+        QMenu menu;
+        DirMenuItem *item = dtm_add_item(&menu, m->dir.path(), "x", DTM_EXAMINE, dtm_chosen);
+        QTRY_COMPARE(item->state(), DtmState::cascade);
+        menu.popup(QPoint(0, 0));
+        dtm_menu_highlight(menu, *item);
+        QTest::keyClick(&menu, Qt::Key_Return);
+        QTRY_COMPARE(item->items.size(), 1);
+        QTRY_VERIFY(item->submenu->isVisible());
+        QVERIFY(gChosen.empty());
     }
 
     void double_click_chooses_an_item_that_has_a_submenu()
