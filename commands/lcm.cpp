@@ -28,9 +28,8 @@ void x_look_at_file(Can &can, const char *name)
     if (!can.open && !can.view && !can.edit)
         return;
     const int index = _get_pat_idx(name);
-    auto offers = [&](AssocCommandKind kind) {
-        const char *command = index < 0 ? nullptr : _get_pat_cmd(name, kind);
-        return command != nullptr && !isempty(command);
+    auto offers = [index](AssocCommandKind kind) {
+        return index >= 0 && as_command(apat[static_cast<size_t>(index)], kind) != nullptr;
     };
     can.open = can.open && offers(AS_OPEN);
     can.view = can.view && offers(AS_VIEW);

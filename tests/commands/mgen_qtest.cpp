@@ -216,6 +216,72 @@ private Q_SLOTS:
                                 "To|-|&Inspect|-"));
     }
 
+    void context_menu_in_full_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<bool>("paste");
+        QTest::addColumn<QString>("texts");
+        const QString end = QStringLiteral("&Delete|&Rename|-|&Copy To|&Move To|-|&Inspect|-");
+        const QString file = QStringLiteral("&Open|&View|&Edit|Open &With|-|&Print|-|Cu&t|C&opy|");
+        const QString folder = QStringLiteral("&Open|Open In Win&dow|-|Cu&t|C&opy|");
+        const QString paste = QStringLiteral("&Paste|");
+        QTest::newRow("file") << QByteArray("a.x") << false << file + end;
+        QTest::newRow("file and files to paste") << QByteArray("a.x") << true << file + paste + end;
+        QTest::newRow("directory") << QByteArray("d.x") << false << folder + end;
+        QTest::newRow("directory and files to paste")
+            << QByteArray("d.x") << true << folder + paste + end;
+    }
+    void context_menu_in_full()
+    {
+        QFETCH(QByteArray, name);
+        QFETCH(bool, paste);
+        QFETCH(QString, texts);
+        apat.clear();
+        _add_pat("*.x", "open", "view", "edit");
+        m->dir.file("a.x");
+        m->dir.dir("d.x"); // no association counts for a directory
+        m->select({name.constData()});
+        if (paste)
+            clip_put(std::make_shared<const FileListRecord>(transf_make("/x", {"y"})), false);
+        QCOMPARE(context_menu().join(QLatin1Char('|')), texts);
+        as_set_defaults();
+    }
+
+    void context_menu_offers_what_every_selected_file_has_a_command_for_data()
+    {
+        QTest::addColumn<QString>("names");
+        QTest::addColumn<QString>("texts");
+        QTest::newRow("open alone") << QStringLiteral("o") << QStringLiteral("&Open|Open &With");
+        QTest::newRow("view alone") << QStringLiteral("v") << QStringLiteral("&View|Open &With");
+        QTest::newRow("edit alone") << QStringLiteral("e") << QStringLiteral("&Edit|Open &With");
+        QTest::newRow("blank commands") << QStringLiteral("b") << QStringLiteral("Open &With");
+        QTest::newRow("the second counts too")
+            << QStringLiteral("all v") << QStringLiteral("&View|Open &With");
+        QTest::newRow("nothing in common")
+            << QStringLiteral("e o v") << QStringLiteral("Open &With");
+    }
+    void context_menu_offers_what_every_selected_file_has_a_command_for()
+    {
+        QFETCH(QString, names);
+        QFETCH(QString, texts);
+        apat.clear();
+        _add_pat("all", "open", "view", "edit");
+        _add_pat("o", "open", "", "");
+        _add_pat("v", "", "view", "");
+        _add_pat("e", "", "", "edit");
+        _add_pat("b", " ", "\t", " ");
+        _add_pat("*", "open", "view", "edit"); // the first that matches counts
+        m->select({});
+        const QStringList each = names.split(QLatin1Char(' '));
+        for (const QString &name : each)
+            m->dir.file(name.toStdString());
+        fl_refresh();
+        for (const QString &name : each)
+            fl_select(name.toUtf8(), FL_EXACT);
+        QCOMPARE(context_menu().join(QLatin1Char('|')).section(QStringLiteral("|-"), 0, 0), texts);
+        as_set_defaults();
+    }
+
     void context_menu_shows_what_the_association_can_do()
     {
         apat.clear();
