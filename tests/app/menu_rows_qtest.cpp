@@ -20,6 +20,8 @@ using namespace tav::test;
 
 namespace {
 
+constexpr int EDIT_MENU = 1;
+
 const MenuTable *x_table(int index)
 {
     for (const MenuTable *table = gMenuBar; table->name; table++)
@@ -326,18 +328,24 @@ private Q_SLOTS:
 
     void everyRunTimeRow_data()
     {
+        QTest::addColumn<int>("table");
         QTest::addColumn<int>("row");
         QTest::addColumn<bool>("by_mouse");
         QTest::addColumn<bool>("can");
-        for (int i = 0; gRunTimeRows[i].level != 0; i++)
-            for (const bool by_mouse : {true, false})
-                for (const bool can : {true, false})
-                    QTest::addRow("%s%s by %s", gRunTimeRows[i].name, can ? "" : " not",
-                                  by_mouse ? "mouse" : "letters")
-                        << i << by_mouse << can;
+        for (const int table : {EDIT_MENU, x_bar_tables()})
+            for (int i = 0; gRunTimeRows[i].level != 0; i++)
+                for (const bool by_mouse : {true, false})
+                    for (const bool can : {true, false}) {
+                        const char *name = gRunTimeRows[i].name;
+                        if (table != EDIT_MENU || strncmp(name, "mgen_", 5) == 0)
+                            QTest::addRow("%s%s of %s by %s", name, can ? "" : " not",
+                                          x_table(table)->name, by_mouse ? "mouse" : "letters")
+                                << table << i << by_mouse << can;
+                    }
     }
     void everyRunTimeRow()
     {
+        QFETCH(int, table);
         QFETCH(int, row);
         QFETCH(bool, by_mouse);
         QFETCH(bool, can);
@@ -347,7 +355,7 @@ private Q_SLOTS:
         can ? one->can() : one->cannot();
         remember();
         QVERIFY(!one->acted());
-        trigger_by_menu(x_bar_tables(), &tested, by_mouse);
+        trigger_by_menu(table, &tested, by_mouse);
         if (can) {
             QTRY_VERIFY(one->acted());
             return;
@@ -374,6 +382,18 @@ private Q_SLOTS:
         rows::a_file();
         help_about(gBase);
         QVERIFY(!open_menu(x_bar_tables(), true));
+    }
+
+    void theKeysOfTheHotlistsContextMenuWorkInItsPanel()
+    {
+        rows::on_a_hotlist_row();
+        tree_view()->setFocus();
+        const size_t before = gTree.paths.size();
+        QTest::keyClick(tree_view(), Qt::Key_D, Qt::ControlModifier);
+        QCOMPARE(gTree.paths.size(), before + 1); // the directory shown, once
+        QCOMPARE(gTree.paths.back(), gDir.path);
+        QTest::keyClick(tree_view(), Qt::Key_R, Qt::ControlModifier);
+        QCOMPARE(gTree.paths.size(), before);
     }
 
     void aPlainLetterInTheListIsTypedAndRunsNothing()

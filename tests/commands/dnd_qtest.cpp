@@ -278,6 +278,16 @@ private Q_SLOTS:
         QVERIFY(marked == DIR_NONE || fl_takes_drop(marked));
     }
 
+    void hovering_opens_nothing()
+    {
+        Drag drag = x_own(path("other"), {"file"});
+        drag.enter(*m_window, at("sub"));
+        const auto opened = [this] { return gDir.path != here(); };
+        QVERIFY(!QTest::qWaitFor(opened, 3 * QApplication::doubleClickInterval()));
+        QCOMPARE(m_window->list->drop_row(), fl_row_of_index(fl_find("sub", FL_EXACT)));
+        Drag::leave(*m_window);
+    }
+
     void list_takes_the_keyboard_and_knows_of_the_drag()
     {
         m_window->field->setFocus();

@@ -15,6 +15,8 @@ namespace tav {
 
 using test::gJobs;
 
+using Handler = int (*)(QWidget *widget);
+
 class EmTest : public QObject {
     Q_OBJECT
 
@@ -34,6 +36,13 @@ class EmTest : public QObject {
         QVERIFY(button);
         QTest::mouseClick(button, Qt::LeftButton);
         QTRY_VERIFY(!box());
+    }
+    bool left_of(const char *left, const char *right)
+    {
+        const auto x = [this](const char *label) {
+            return test::boxes_button(box(), QLatin1String(label))->mapToGlobal(QPoint()).x();
+        };
+        return x(left) < x(right);
     }
     EmRenameField *field() { return m_window->list->findChild<EmRenameField *>(); }
     EmRenameField *rename(const char *name)
@@ -107,6 +116,8 @@ private Q_SLOTS:
             QCOMPARE(test::boxes_text(box()), text);
             QCOMPARE(box()->windowTitle(), QStringLiteral("Delete"));
             QCOMPARE(box()->defaultButton()->text(), QStringLiteral("&Delete"));
+            QCOMPARE(box()->buttons().size(), 2);
+            QVERIFY(left_of("&Delete", "&Cancel"));
             QVERIFY(gJobs.empty());
             answer("&Delete");
         }
@@ -135,6 +146,28 @@ private Q_SLOTS:
         fl_refresh();
         answer("&Delete");
         QCOMPARE(gJobs, std::vector{"delete " + m_dir->path() + ": b -> "});
+    }
+
+    void selecting_tells_the_status_bar_and_gives_the_list_the_keyboard_data()
+    {
+        QTest::addColumn<Handler>("handler");
+        QTest::addColumn<QString>("status");
+        QTest::newRow("all") << Handler(em_select_all) << QStringLiteral("3 selected items,");
+        QTest::newRow("none") << Handler(em_unselect_all) << QString();
+        QTest::newRow("the others")
+            << Handler(em_invert_selection) << QStringLiteral("2 selected items,");
+    }
+    void selecting_tells_the_status_bar_and_gives_the_list_the_keyboard()
+    {
+        QFETCH(Handler, handler);
+        QFETCH(QString, status);
+        fl_select("b", FL_EXACT);
+        m_window->status1->setText(QStringLiteral("old"));
+        m_window->field->setFocus();
+        QCOMPARE(handler(nullptr), W_CONTINUE);
+        const QString text = m_window->status1->text();
+        QCOMPARE(text.left(text.indexOf(QLatin1Char(',')) + 1), status);
+        QVERIFY(m_window->list->hasFocus());
     }
 
     void setup_dims_what_needs_a_selection()
