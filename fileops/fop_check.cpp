@@ -41,7 +41,10 @@ int x_check_single(FileOp *job, const struct stat *dest)
     std::string source;
     struct stat status;
     fop_source_path(job, 0, job->groups[0]->names[0], source);
-    if (fop_stat_path(job, source.c_str(), &status, AT_SYMLINK_NOFOLLOW) == -1) {
+    const int dir = fop_dir(job, FOP_SOURCE, 0); // no path is too long
+    const char *name = fop_source_name(job->groups[0]->names[0]);
+    if (dir == -1 ||
+        fop_retry([&] { return gFopSys.fstatat(dir, name, &status, AT_SYMLINK_NOFOLLOW); }) == -1) {
         fop_errinfo(job, "File Scan", "Unable to get stats for '%s'", source.c_str());
         return -1;
     }

@@ -1,7 +1,9 @@
 // The checks of a destination before anything is touched.
 #include "fop_driver.h"
 
+#include <fcntl.h>
 #include <sys/mount.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace tav {
@@ -70,6 +72,24 @@ TEST_F(FopCheck, one_item_that_is_not_there_ends_the_job)
     driver.copy(dir, {"gone"});
     EXPECT_EQ(notice(), "File Scan: Unable to get stats for '" + (dir / "src/gone") + "'");
     EXPECT_FALSE(driver.finished_done);
+}
+
+TEST_F(FopCheck, one_item_whose_path_is_too_long_is_copied_all_the_same)
+{
+    std::string deep = dir / "src";
+    while (deep.size() < 3900) {
+        deep += "/" + std::string(100, 'd');
+        ASSERT_EQ(::mkdir(deep.c_str(), 0755), 0);
+    }
+    const std::string name(200, 'n');
+    int at = ::open(deep.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    int fd = ::openat(at, name.c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0644);
+    ASSERT_NE(fd, -1);
+    ::close(fd);
+    ::close(at);
+    driver.run(FOP_COPY, deep, {name}, dir / "dst");
+    EXPECT_TRUE(driver.notices.empty());
+    EXPECT_TRUE(dir.exists("dst/" + name));
 }
 
 TEST_F(FopCheck, only_what_shows_done_waits_for_it_to_be_seen)
