@@ -203,7 +203,8 @@ FopCopied x_copy_sparse(Data &data)
         at = end;
     }
     if (found == 0) {
-        if (fop_retry([&] { return gFopSys.ftruncate(data.target.fd, size); }) == 0)
+        if (x_begin_in_place(data.target) == 0 &&
+            fop_retry([&] { return gFopSys.ftruncate(data.target.fd, size); }) == 0)
             return FOP_COPIED;
         return fop_write_failed(data.item, errno);
     }
@@ -259,9 +260,8 @@ FopCopied fop_copy_data(FopItem &item, int from, FopTarget &target)
     x_choose_buffer(data);
     if (status.st_size >= BIG_FILE)
         (void)::posix_fadvise(from, 0, 0, POSIX_FADV_SEQUENTIAL);
-    if (!in_place && status.st_blocks * 512 < status.st_size && status.st_size > 0)
-        return x_copy_sparse(data);
-    FopCopied result = x_copy_part(data, TO_THE_END);
+    const bool sparse = status.st_blocks * 512 < status.st_size;
+    FopCopied result = sparse ? x_copy_sparse(data) : x_copy_part(data, TO_THE_END);
     // An empty file leaves nothing of the old content either.
     if (result == FOP_COPIED && x_begin_in_place(target) == -1)
         return fop_write_failed(item, errno);

@@ -171,6 +171,28 @@ TEST_F(FopLike, holes_stay_holes)
     EXPECT_TRUE(dir.read("dst/a") == dir.read("src/a"));
 }
 
+TEST_F(FopLike, holes_stay_holes_also_in_place)
+{
+    for (off_t begin : {0, 4 << 20}) { // the second begins with one
+        int fd = ::open((dir / "src/a").c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0644);
+        ASSERT_EQ(::pwrite(fd, "middle", 6, begin), 6);
+        ASSERT_EQ(::ftruncate(fd, 9 << 20), 0);
+        ::close(fd);
+        dir.file("dst/a", std::string(100'000, 'o'));
+        ::unlink((dir / "dst/b").c_str());
+        ASSERT_EQ(::link((dir / "dst/a").c_str(), (dir / "dst/b").c_str()), 0);
+        driver.copy(dir, {"a"}, FOP_OVERWRITE);
+        struct stat copy = dir.status("dst/b");
+        EXPECT_EQ(copy.st_size, 9 << 20);
+        EXPECT_LT(copy.st_blocks * 512, 1 << 20);
+        EXPECT_TRUE(dir.read("dst/b") == dir.read("src/a"));
+    }
+    ASSERT_EQ(::truncate((dir / "src/a").c_str(), 0), 0);
+    ASSERT_EQ(::truncate((dir / "src/a").c_str(), 5 << 20), 0);
+    driver.copy(dir, {"a"}, FOP_OVERWRITE);
+    EXPECT_EQ(dir.read("dst/b"), std::string(5 << 20, '\0')) << "nothing but a hole";
+}
+
 TEST_F(FopLike, large_files_arrive_by_every_way)
 {
     std::string content;
