@@ -4,13 +4,15 @@
 
 #include "fileops/fop_sys.h"
 
+#include <algorithm>
 #include <cstring>
 #include <fcntl.h>
 
 namespace tav {
 namespace {
 
-// Where the copy loop stopped: that name and all after it were not copied.
+// Where the copy loop stopped: that name and all after it were not copied, and no directory from
+// that group on was finished.
 struct Stop {
     int group;
     int item;
@@ -50,6 +52,29 @@ void x_keep_directory(FileOp *job, int g)
     }
 }
 
+// The directories of the groups from that one on were not finished, so they are not copied either.
+// Groups of one directory stand in the order of its names.
+void x_keep_unfinished(FileOp *job, int first)
+{
+    int parent = -1, next = 0;
+    for (int g = std::max(first, 1); g < job->n_groups; g++) {
+        const DirGroup &group = *job->groups[g];
+        if (group.parent > first)
+            break; // its names come off the list anyway
+        if (group.parent != parent)
+            next = 0;
+        parent = group.parent;
+        const DirGroup &names = *job->groups[parent];
+        int i = next;
+        while (i < names.count && names.names[i] != group.dir)
+            i++;
+        if (i == names.count)
+            continue; // it is off the list
+        fop_set_dead(job, parent, i);
+        next = i + 1;
+    }
+}
+
 // The names of one group, then its directory: true to go on.
 bool x_copy_group(FileOp *job, int g, Stop &stop)
 {
@@ -60,7 +85,7 @@ bool x_copy_group(FileOp *job, int g, Stop &stop)
         if (fop_stopped(job) || !x_copy_name(job, g, i, dir))
             return false;
     }
-    stop = {g + 1, 0};
+    stop = {g, job->groups[g]->count};
     if (fop_stopped(job))
         return false;
     FopCopied finished = g == 0 ? FOP_COPIED : fop_copy_file(job, g, -1, dir);
@@ -110,32 +135,35 @@ bool x_any_live(const FileOp *job)
     return false;
 }
 
-// Puts the copies on the disk before the first source is removed: 0, or -1 when that is not sure.
-int x_sync_dest(FileOp *job)
+// What a move's copies will be put on the disk by, or -1: open before the first byte is written,
+// since a descriptor tells only of the errors that came after it, or that nobody was told of.
+int x_open_sync(FileOp *job)
 {
-    int root = fop_dir(job, FOP_DEST, 0);
-    int fd = -1;
-    if (root != -1)
-        fd = fop_retry([&] { return gFopSys.openat(root, ".", O_RDONLY | O_DIRECTORY, 0); });
+    int root = job->op == FOP_MOVE ? fop_dir(job, FOP_DEST, 0) : -1;
+    if (root == -1)
+        return -1;
+    return fop_retry([&] { return gFopSys.openat(root, ".", O_RDONLY | O_DIRECTORY, 0); });
+}
+
+// Puts the copies on the disk before the first source is removed: 0, or -1 when that is not sure.
+int x_sync_dest(FileOp *job, int fd)
+{
     if (fd == -1 || job->dirs->other_fs)
         gFopSys.sync(); // a directory that may not be read, or copies on several file systems
-    if (fd == -1)
-        return 0;
-    int result = fop_retry([&] { return gFopSys.syncfs(fd); });
-    fop_close(fd);
-    return result;
+    return fd == -1 ? 0 : fop_retry([&] { return gFopSys.syncfs(fd); });
 }
 
 // The second half of a move: removes what was copied.
-void x_remove_sources(FileOp *job, const Stop &stop)
+void x_remove_sources(FileOp *job, const Stop &stop, int sync_fd)
 {
+    x_keep_unfinished(job, stop.group);
     for (int g = stop.group; g < job->n_groups; g++) {
         for (int i = g == stop.group ? stop.item : 0; i < job->groups[g]->count; i++)
             fop_set_dead(job, g, i);
     }
     if (!x_any_live(job))
         return;
-    if (x_sync_dest(job) == -1) {
+    if (x_sync_dest(job, sync_fd) == -1) {
         fop_ask_error(job, "Error writing '%s'\n%s\n", job->dest.c_str(), std::strerror(errno));
         return; // with either answer every source stays
     }
@@ -150,10 +178,12 @@ void fop_copy_files(FileOp *job)
     int fd = fop_dir(job, FOP_DEST, 0);
     if (fd != -1 && gFopSys.fstat(fd, &root) == 0)
         job->dirs->dest_dev = root.st_dev;
+    const int sync_fd = x_open_sync(job);
     Stop stop = x_copy_all(job);
     fop_finish_modes(job);
     if (job->op == FOP_MOVE)
-        x_remove_sources(job, stop);
+        x_remove_sources(job, stop, sync_fd);
+    fop_close(sync_fd);
 }
 
 } // namespace tav

@@ -58,7 +58,10 @@ FopCopied x_set_look(const FopItem &item, int fd)
 {
     timespec times[2] = {item.status.st_atim, item.status.st_mtim};
     bool owner = x_set_owner(fd, item.status);
-    fop_retry([&] { return gFopSys.utimensat(AT_FDCWD, x_self(fd).c_str(), times, 0); });
+    if (fop_retry([&] { return gFopSys.utimensat(AT_FDCWD, x_self(fd).c_str(), times, 0); }) ==
+            -1 &&
+        !fop_cannot_hold(errno))
+        return fop_write_failed(item, errno);
     return owner ? FOP_COPIED : fop_ask_owner(item);
 }
 
@@ -68,6 +71,12 @@ int x_open(const FopItem &item)
     // A selected item may stand where a link to a directory is; below, no link is followed.
     int flags = O_PATH | O_DIRECTORY | (item.group == 0 ? 0 : O_NOFOLLOW);
     return fop_retry([&] { return gFopSys.openat(item.to_dir, item.to, flags, 0); });
+}
+
+// The directory that was copied to is not where it was.
+bool x_is_gone(int error)
+{
+    return error == ENOENT || error == ESTALE || error == ENOTDIR || error == ELOOP;
 }
 
 // Where the contents go, when there are any: their directory is open for filling until they are
@@ -120,8 +129,8 @@ FopCopied fop_finish_directory(FopItem &item)
     FileOp *job = item.job;
     int from = fop_dir(job, FOP_SOURCE, item.group);
     int to = fop_dir(job, FOP_DEST, item.group);
-    if (to == -1)
-        return FOP_COPIED; // taken away meanwhile: nothing to finish
+    if (to == -1) // taken away meanwhile, there is nothing to finish
+        return x_is_gone(errno) ? FOP_COPIED : fop_write_failed(item, errno);
     int error = from != -1 && fop_copy_xattrs(from, to, from) == -1 ? errno : 0;
     if (x_set_mode(to, item.status.st_mode) == -1 && !fop_cannot_hold(errno))
         error = errno;
