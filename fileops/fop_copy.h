@@ -51,6 +51,26 @@ FopCopied fop_ask_owner(const FopItem &item);
 std::string fop_temp_name();                // unique among this machine's processes
 void fop_sweep_temps(FileOp *job, int dir); // removes those of processes that are no longer there
 
+constexpr int FOP_TEMP_TURNS =
+    100; // names tried: a process long gone may have had this one's number
+
+// What make(name) gives for a hidden name that is free in dir, or -1 with errno and temp empty.
+template <typename Make>
+int fop_make_temp(FileOp *job, int dir, std::string &temp, Make make)
+{
+    fop_sweep_temps(job, dir);
+    int result = -1;
+    for (int turn = 0; turn < FOP_TEMP_TURNS; turn++) {
+        temp = fop_temp_name();
+        result = fop_retry([&] { return make(temp.c_str()); });
+        if (result != -1 || errno != EEXIST)
+            break;
+    }
+    if (result == -1)
+        temp.clear();
+    return result;
+}
+
 // Where the content of a regular file goes (fop_target.cpp).
 struct FopTarget {
     enum Way {

@@ -23,18 +23,20 @@ FopCopied x_check_unchanged(const FopItem &item, int from)
     return fop_read_failed(item, error);
 }
 
-// Something took the name while the copy ran: asked about like any existing file.
+// Something took the name while the copy ran: asked about like any existing file. Only a link that
+// leads nowhere is replaced without a word; what cannot be looked at may be anything.
 FopCopied x_ask_taken(FopItem &item, FopTarget &target)
 {
     struct stat there;
-    if (gFopSys.fstatat(item.to_dir, item.to, &there, 0) == 0) {
-        if (fop_id(there) == fop_id(item.status))
-            return fop_refuse_itself(item);
+    const bool known = gFopSys.fstatat(item.to_dir, item.to, &there, 0) == 0;
+    if (known && fop_id(there) == fop_id(item.status))
+        return fop_refuse_itself(item);
+    if (known || !fop_is_link(item.to_dir, item.to)) {
         FopCopied answer = fop_ask_overwrite(item);
         if (answer != FOP_COPIED)
             return answer;
     }
-    target.replace = true; // or it is a link that leads nowhere
+    target.replace = true;
     return FOP_COPIED;
 }
 
@@ -42,7 +44,7 @@ FopCopied x_ask_taken(FopItem &item, FopTarget &target)
 FopCopied x_commit(FopItem &item, FopTarget &target, bool placed)
 {
     while (fop_target_commit(item, target) == -1) {
-        if (placed)
+        if (placed && errno == EEXIST)
             return FOP_SKIPPED; // nothing is replaced there, and nothing more is asked
         if (errno != EEXIST || target.replace)
             return fop_write_failed(item, errno);

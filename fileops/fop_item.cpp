@@ -23,6 +23,14 @@ uint64_t fop_stamp(const struct stat &status)
     return stamp ? stamp : 1;
 }
 
+bool fop_is_link(int dir, const char *name)
+{
+    struct stat status;
+    return fop_retry([&] { return gFopSys.fstatat(dir, name, &status, AT_SYMLINK_NOFOLLOW); }) ==
+               0 &&
+           S_ISLNK(status.st_mode);
+}
+
 FopCopied fop_refuse_itself(const FopItem &item)
 {
     fop_errinfo(item.job, "File Scan", "Can't copy file(s) into itself.");

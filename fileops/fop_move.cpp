@@ -43,8 +43,10 @@ bool x_is_itself(const Item &item, const struct stat &dest)
 Result x_over_existing(FileOp *job, const Item &item)
 {
     struct stat dest;
-    if (gFopSys.fstatat(item.to_dir, item.to, &dest, 0) == -1)
-        return x_rename(item, 0); // a link that leads nowhere is no file that could be lost
+    if (gFopSys.fstatat(item.to_dir, item.to, &dest, 0) == -1) {
+        // A link that leads nowhere is no file that could be lost; what cannot be looked at may be.
+        return x_rename(item, fop_is_link(item.to_dir, item.to) ? 0 : RENAME_NOREPLACE);
+    }
     if (x_is_itself(item, dest)) {
         fop_errinfo(job, "File Scan", "%s", fop_into_itself(job));
         return END;
@@ -77,7 +79,8 @@ Result x_move(FileOp *job, const Item &item)
     // What exists is asked about also where it turns out that renaming is impossible.
     if (error == EEXIST || gFopSys.fstatat(item.to_dir, item.to, &dest, 0) == 0)
         return x_over_existing(job, item);
-    bool cannot_ask = error == EINVAL || error == ENOSYS; // not to replace: so it was looked first
+    // Where it cannot be asked not to replace, it was looked first that nothing is there.
+    bool cannot_ask = errno == ENOENT && (error == EINVAL || error == ENOSYS);
     return cannot_ask ? x_rename(item, 0) : STAYS;
 }
 

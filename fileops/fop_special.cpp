@@ -17,12 +17,16 @@ FopCopied x_finish_name(const FopItem &item)
     struct stat made;
     bool owner = gFopSys.fstatat(item.to_dir, item.to, &made, AT_SYMLINK_NOFOLLOW) == 0 &&
                  fop_has_owner(made, item.status);
-    bool failed = !owner && fop_retry([&] {
-                                return gFopSys.fchownat(item.to_dir, item.to, item.status.st_uid,
-                                                        item.status.st_gid, AT_SYMLINK_NOFOLLOW);
-                            }) == -1;
-    fop_retry([&] { return gFopSys.utimensat(item.to_dir, item.to, times, AT_SYMLINK_NOFOLLOW); });
-    return failed ? fop_ask_owner(item) : FOP_COPIED;
+    bool foreign = !owner && fop_retry([&] {
+                                 return gFopSys.fchownat(item.to_dir, item.to, item.status.st_uid,
+                                                         item.status.st_gid, AT_SYMLINK_NOFOLLOW);
+                             }) == -1;
+    if (fop_retry([&] {
+            return gFopSys.utimensat(item.to_dir, item.to, times, AT_SYMLINK_NOFOLLOW);
+        }) == -1 &&
+        !fop_cannot_hold(errno))
+        return fop_write_failed(item, errno);
+    return foreign ? fop_ask_owner(item) : FOP_COPIED;
 }
 
 // The target of a link, however long: 0, or -1 with errno.
@@ -49,9 +53,8 @@ int x_put(const FopItem &item, bool taken, Make make)
 {
     if (!taken)
         return fop_retry([&] { return make(item.to); });
-    fop_sweep_temps(item.job, item.to_dir);
-    std::string temp = fop_temp_name();
-    if (fop_retry([&] { return make(temp.c_str()); }) == -1)
+    std::string temp;
+    if (fop_make_temp(item.job, item.to_dir, temp, make) == -1)
         return -1;
     if (fop_retry([&] {
             return gFopSys.renameat(item.to_dir, temp.c_str(), item.to_dir, item.to, 0);
@@ -70,6 +73,14 @@ bool x_is_taken(const FopItem &item, struct stat &there)
            }) == 0;
 }
 
+// Whether the link leads to what it would replace: nothing but a link to itself would be left.
+bool x_leads_to(const FopItem &item, const struct stat &there)
+{
+    struct stat target;
+    return !S_ISDIR(there.st_mode) && gFopSys.fstatat(item.from_dir, item.from, &target, 0) == 0 &&
+           fop_id(target) == fop_id(there);
+}
+
 } // namespace
 
 FopCopied fop_copy_link(FopItem &item)
@@ -79,7 +90,7 @@ FopCopied fop_copy_link(FopItem &item)
         return fop_ask_error(item.job, "Unable to read link '%s'\n", item.source.c_str());
     struct stat there;
     bool taken = x_is_taken(item, there);
-    if (taken && fop_id(there) == fop_id(item.status))
+    if (taken && (fop_id(there) == fop_id(item.status) || x_leads_to(item, there)))
         return fop_refuse_itself(item);
     if (taken && S_ISREG(there.st_mode)) {
         FopCopied answer = fop_ask_overwrite(item);
@@ -99,13 +110,15 @@ FopCopied fop_copy_fifo(FopItem &item)
 {
     if (item.exists && fop_id(item.dest_status) == fop_id(item.status))
         return fop_refuse_itself(item);
-    if (item.exists && !S_ISFIFO(item.dest_status.st_mode))
-        return fop_ask_error(item.job, "The '%s' is not a FIFO\n", item.dest.c_str());
     struct stat there;
+    const bool taken = x_is_taken(item, there); // looked at last: it may have come just now
+    if ((item.exists && !S_ISFIFO(item.dest_status.st_mode)) ||
+        (taken && !S_ISFIFO(there.st_mode) && !S_ISLNK(there.st_mode)))
+        return fop_ask_error(item.job, "The '%s' is not a FIFO\n", item.dest.c_str());
     auto make = [&](const char *name) {
         return gFopSys.mkfifoat(item.to_dir, name, item.status.st_mode & 07777);
     };
-    if (item.to_dir == -1 || x_put(item, x_is_taken(item, there), make) == -1)
+    if (item.to_dir == -1 || x_put(item, taken, make) == -1)
         return fop_ask_error(item.job, "Unable to make '%s' FIFO\n", item.dest.c_str());
     return x_finish_name(item);
 }

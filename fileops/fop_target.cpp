@@ -29,6 +29,17 @@ void x_unlink(int dir, const std::string &name)
     errno = error;
 }
 
+// Takes the name from the target again, unless somebody gave it to another file meanwhile.
+void x_unname(const FopItem &item, const FopTarget &target)
+{
+    const int error = errno;
+    struct stat there;
+    if (gFopSys.fstatat(item.to_dir, item.to, &there, AT_SYMLINK_NOFOLLOW) == 0 &&
+        fop_id(there) == fop_id(target.made))
+        x_unlink(item.to_dir, item.to);
+    errno = error;
+}
+
 // A new file beside the destination.
 int x_open_new(const FopItem &item, FopTarget &target)
 {
@@ -40,13 +51,11 @@ int x_open_new(const FopItem &item, FopTarget &target)
         no_unnamed = target.fd == -1 && x_no_unnamed(errno);
     }
     if (no_unnamed) {
-        fop_sweep_temps(item.job, item.to_dir);
         target.way = FopTarget::SIBLING;
-        target.temp = fop_temp_name();
-        target.fd = x_open(item.to_dir, target.temp.c_str(),
-                           O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, mode);
-        if (target.fd == -1)
-            target.temp.clear();
+        target.fd = fop_make_temp(item.job, item.to_dir, target.temp, [&](const char *name) {
+            return gFopSys.openat(item.to_dir, name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW,
+                                  mode);
+        });
     }
     return target.fd != -1 && gFopSys.fstat(target.fd, &target.made) == 0 ? 0 : -1;
 }
@@ -124,7 +133,7 @@ int x_rename(const FopItem &item, FopTarget &target)
         struct stat there;
         if (gFopSys.fstatat(item.to_dir, item.to, &there, AT_SYMLINK_NOFOLLOW) == 0)
             errno = EEXIST;
-        else
+        else if (errno == ENOENT)
             result = rename(0);
     }
     if (result == 0)
@@ -151,19 +160,12 @@ int fop_target_commit(const FopItem &item, FopTarget &target)
             return -1;
         if (x_finish(target) == 0)
             return 0;
-        x_unlink(item.to_dir, item.to);
+        x_unname(item, target);
         return -1;
     }
-    if (target.temp.empty()) {
-        fop_sweep_temps(item.job, item.to_dir);
-        target.temp = fop_temp_name();
-        if (fop_retry([&] {
-                return gFopSys.linkfd(target.fd, item.to_dir, target.temp.c_str());
-            }) == -1) {
-            target.temp.clear();
-            return -1;
-        }
-    }
+    auto link = [&](const char *name) { return gFopSys.linkfd(target.fd, item.to_dir, name); };
+    if (target.temp.empty() && fop_make_temp(item.job, item.to_dir, target.temp, link) == -1)
+        return -1;
     return x_finish(target) == -1 ? -1 : x_rename(item, target);
 }
 
@@ -174,7 +176,7 @@ void fop_target_drop(const FopItem &item, FopTarget &target)
         if (target.through_link && target.fd != -1)
             (void)gFopSys.ftruncate(target.fd, 0);
         else
-            x_unlink(item.to_dir, item.to);
+            x_unname(item, target);
     }
     if (!target.temp.empty())
         x_unlink(item.to_dir, target.temp);

@@ -110,6 +110,55 @@ TEST_F(FopMove, a_skip_silences_later_questions_too)
     EXPECT_EQ(dir.read("dst/a") + dir.read("dst/b"), "oldnew");
 }
 
+// What cannot be looked at may be anybody's only copy.
+TEST_F(FopMove, what_cannot_be_looked_at_is_not_replaced_unasked)
+{
+    dir.file("src/a", "new");
+    dir.file("dst/a", "old");
+    gFopSys.fstatat = [](int at, const char *path, struct stat *status, int flags) {
+        static int sCount;
+        if (std::strcmp(path, "a") == 0 && flags == 0 && ++sCount == 1) {
+            errno = EIO;
+            return -1;
+        }
+        return gFopSysReal.fstatat(at, path, status, flags);
+    };
+    driver.answers = {1};
+    driver.move(dir, {"a"});
+    EXPECT_EQ(text(0), "The " + quoted("dst/a") + " file exists.\nWhat do you want to do ?\n");
+    EXPECT_EQ(dir.read("src/a") + dir.read("dst/a"), "newold");
+}
+
+TEST_F(FopMove, where_it_cannot_be_asked_not_to_replace_a_name_must_be_known_to_be_free)
+{
+    static int sError;
+    dir.file("src/a", "new");
+    gFopSys.renameat = [](int from_dir, const char *from, int to_dir, const char *to,
+                          unsigned flags) {
+        if (flags == 0)
+            return gFopSysReal.renameat(from_dir, from, to_dir, to, 0);
+        errno = EINVAL;
+        return -1;
+    };
+    gFopSys.fstatat = [](int at, const char *path, struct stat *status, int flags) {
+        if (std::strcmp(path, "a") != 0 || flags != 0 || sError == 0)
+            return gFopSysReal.fstatat(at, path, status, flags);
+        errno = sError;
+        return -1;
+    };
+    dir.file("dst/a", "old");
+    sError = EIO;
+    driver.answers = {1};
+    driver.move(dir, {"a"});
+    EXPECT_EQ(text(0), "The " + quoted("dst/a") + " file exists.\nWhat do you want to do ?\n");
+    EXPECT_EQ(dir.read("src/a") + dir.read("dst/a"), "newold");
+    sError = 0;
+    ::unlink((dir / "dst/a").c_str());
+    driver.move(dir, {"a"});
+    EXPECT_EQ(dir.read("dst/a"), "new");
+    EXPECT_FALSE(dir.exists("src/a"));
+}
+
 TEST_F(FopMove, a_directory_is_merged_into_an_existing_one)
 {
     dir.dir("src/d");
@@ -307,6 +356,94 @@ TEST_F(Across, an_aborted_move_removes_only_what_was_copied)
     EXPECT_EQ(dir.read("src/d/b"), "2");
     EXPECT_FALSE(dir.exists("dst/d/b"));
     EXPECT_TRUE(driver.alerts.empty()) << "what stays because of the abort is no failure";
+}
+
+// With its times, owner and attributes still to come, a directory is not copied.
+TEST_F(Across, a_directory_that_an_abort_left_unfinished_stays)
+{
+    dir.dir("src/d/empty");
+    dir.dir("src/f");
+    dir.file("src/f/a", "1");
+    FileOp *running = nullptr;
+    driver.on_created = [&](FileOp &job) { running = &job; };
+    for (const char *last : {"/d/empty", "/f/a"}) {
+        driver.on_update = [&](const FopUpdate &update) {
+            if (update.from_name && std::strstr(update.from_name, last) &&
+                dir.exists("dst" + std::string(last)))
+                running->abort = 1; // it is there, the directory is still to be finished
+        };
+        driver.move(dir, {last[1] == 'd' ? "d" : "f"});
+    }
+    EXPECT_EQ(dir.all("src"),
+              (std::map<std::string, std::string>{
+                  {"d", "directory"}, {"d/empty", "directory"}, {"f", "directory"}}));
+    EXPECT_EQ(dir.read("dst/f/a"), "1");
+    EXPECT_TRUE(driver.alerts.empty()) << driver.texts();
+}
+
+TEST_F(Across, a_directory_that_could_not_be_finished_stays_with_either_answer)
+{
+    gFopSys.fchmodat = [](int, const char *, mode_t) {
+        errno = EIO;
+        return -1;
+    };
+    for (int answer : {1, 2}) {
+        dir.dir("src/d");
+        dir.file("src/d/a", "1");
+        driver.alerts.clear();
+        driver.answers = {answer};
+        driver.move(dir, {"d"}, FOP_OVERWRITE);
+        EXPECT_EQ(driver.texts(), "Error writing " + quoted("dst/d") + "\nInput/output error\n");
+        EXPECT_TRUE(dir.exists("src/d")) << "answer " << answer;
+        EXPECT_EQ(dir.read("dst/d/a"), "1");
+    }
+}
+
+TEST_F(Across, keeps_a_link_or_directory_whose_times_could_not_be_set)
+{
+    dir.link("src/l", "nowhere");
+    dir.dir("src/d");
+    gFopSys.utimensat = [](int, const char *, const timespec *, int) {
+        errno = EIO;
+        return -1;
+    };
+    driver.on_alert = [](const FopAlert &) { return 1; };
+    driver.move(dir, {"l", "d"}, FOP_LINKS);
+    EXPECT_EQ(text(0), "Error writing " + quoted("dst/l") + "\nInput/output error\n");
+    EXPECT_EQ(text(1), "Error writing " + quoted("dst/d") + "\nInput/output error\n");
+    EXPECT_EQ(dir.all("src"),
+              (std::map<std::string, std::string>{{"l", "link nowhere"}, {"d", "directory"}}));
+}
+
+// Whoever opens a file system later is not told of the errors that others were told of.
+TEST_F(Across, the_sync_is_open_before_the_first_byte_is_written)
+{
+    static std::string sOrder;
+    static int sSyncFd;
+    sOrder.clear();
+    dir.file("src/a", "1");
+    gFopSys.openat = [](int at, const char *path, int flags, mode_t mode) {
+        const int fd = gFopSysReal.openat(at, path, flags, mode);
+        if (std::strcmp(path, ".") == 0 && flags == (O_RDONLY | O_DIRECTORY)) {
+            sOrder += 'o';
+            sSyncFd = fd;
+        }
+        return fd;
+    };
+    gFopSys.clone = [](int, int) {
+        errno = EOPNOTSUPP;
+        return -1;
+    };
+    gFopSys.write = [](int fd, const void *bytes, size_t size) {
+        sOrder += 'w';
+        return gFopSysReal.write(fd, bytes, size);
+    };
+    gFopSys.syncfs = [](int fd) {
+        sOrder += fd == sSyncFd ? 's' : '?';
+        return 0;
+    };
+    driver.move(dir, {"a"});
+    EXPECT_EQ(sOrder, "ows");
 }
 
 TEST_F(Across, a_source_replaced_by_another_file_stays)

@@ -55,6 +55,36 @@ TEST_F(FopSpecial, a_fifo_replaces_a_fifo_and_nothing_else)
     EXPECT_EQ(driver.alerts[0].labels, (std::vector<std::string>{"&Continue", "&Abort"}));
 }
 
+TEST_F(FopSpecial, a_fifo_does_not_replace_a_file_that_has_only_just_come)
+{
+    dir.fifo("src/f");
+    static std::string sCome;
+    sCome = dir / "dst/f";
+    gFopSys.fstatat = [](int at, const char *path, struct stat *status, int flags) {
+        int result = gFopSysReal.fstatat(at, path, status, flags);
+        if (flags == 0 && std::strcmp(path, "f") == 0) {
+            int error = errno;
+            ::close(::open(sCome.c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0644));
+            errno = error;
+        }
+        return result;
+    };
+    driver.answers = {1};
+    driver.copy(dir, {"f"});
+    EXPECT_EQ(text(0), "The " + quoted("dst/f") + " is not a FIFO\n");
+    EXPECT_EQ(dir.all("dst")["f"], "file ");
+}
+
+TEST_F(FopSpecial, a_link_never_replaces_what_it_points_to)
+{
+    dir.file("dst/l", "only copy");
+    dir.link("src/l", "../dst/l");
+    driver.copy(dir, {"l"}, FOP_LINKS | FOP_OVERWRITE);
+    EXPECT_EQ(driver.notices,
+              std::vector<std::string>{"File Scan: Can't copy file(s) into itself."});
+    EXPECT_EQ(dir.all("dst")["l"], "file only copy");
+}
+
 TEST_F(FopSpecial, links_are_asked_about_once)
 {
     dir.file("src/target", "t");
@@ -243,6 +273,25 @@ TEST_F(FopSpecial, a_long_link_is_copied_whole)
     dir.link("src/l", target);
     driver.copy(dir, {"l"}, FOP_LINKS);
     EXPECT_EQ(dir.all("dst")["l"], "link " + target);
+}
+
+TEST_F(FopSpecial, a_directory_that_cannot_be_finished_is_asked_about)
+{
+    dir.dir("src/d", 0750);
+    static int sCount;
+    sCount = 0;
+    gFopSys.openat = [](int at, const char *path, int flags, mode_t mode) {
+        bool dest = flags == (O_PATH | O_DIRECTORY) && std::strcmp(path, "d") == 0;
+        if (dest && ++sCount == 2) {
+            errno = EMFILE;
+            return -1;
+        }
+        return gFopSysReal.openat(at, path, flags, mode);
+    };
+    driver.answers = {1};
+    driver.copy(dir, {"d"});
+    EXPECT_EQ(text(0), "Error writing " + quoted("dst/d") + "\nToo many open files\n");
+    EXPECT_EQ(dir.status("dst/d").st_mode & 07777, 0750u);
 }
 
 TEST_F(FopSpecial, a_file_in_the_way_of_a_directory_is_asked_about)
