@@ -41,6 +41,7 @@ void x_install_signals()
 int init(int argc, const char *const *argv)
 {
     setpgid(0, 0); // refused to a session leader, which leads its group already
+    start_settle_home();
     gStartPath = start_path(argc, argv);
     static std::string sConfigPath;
     gConfigPath = x_get_config_path(sConfigPath) == 0 ? sConfigPath.c_str() : nullptr;

@@ -65,13 +65,21 @@ std::string start_path(int argc, const char *const *argv)
     return path;
 }
 
+void start_settle_home()
+{
+    const char *home = std::getenv("HOME");
+    if (home == nullptr || *home == '\0' || *home == '/')
+        return;
+    std::string path;
+    es_construct_fullpath(path, x_working_directory().c_str(), home);
+    setenv("HOME", path.c_str(), 1);
+}
+
 int x_get_config_path(std::string &out)
 {
     std::string path;
     const char *home = std::getenv("HOME");
     es_construct_fullpath(path, home != nullptr ? home : "/", ".ph/tav");
-    if (path[0] != '/') // the working directory moves along with the list
-        es_construct_fullpath(path, x_working_directory().c_str(), std::string(path).c_str());
     if (access(path.c_str(), F_OK) == 0) {
         if (access(path.c_str(), W_OK) == 0 && fs_path_is_directory(path.c_str()) > 0) {
             out = path;

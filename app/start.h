@@ -19,6 +19,10 @@ int x_get_orphan_argument(std::string &out, const char *optstring, int argc,
 // one.
 std::string start_path(int argc, const char *const *argv);
 
+// Makes a HOME that is given by a relative path absolute, as it was meant where the program began:
+// the working directory moves along with the list.
+void start_settle_home();
+
 // The settings directory, found or created (its last component only). 0, or -1 after saying on
 // standard error why there is none.
 int x_get_config_path(std::string &out);

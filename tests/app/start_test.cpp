@@ -139,7 +139,21 @@ TEST_F(ConfigPathTest, ARelativeHomeIsMadeAbsolute)
 {
     m_dir.dir("home/.ph");
     setenv("HOME", "home", 1);
+    start_settle_home();
+    EXPECT_EQ(getenv("HOME"), m_home);
     EXPECT_EQ(find(), m_home + "/.ph/tav");
+}
+
+TEST_F(ConfigPathTest, AHomeThatIsAbsoluteEmptyOrMissingStaysAsItIs)
+{
+    start_settle_home();
+    EXPECT_EQ(getenv("HOME"), m_home);
+    setenv("HOME", "", 1);
+    start_settle_home();
+    EXPECT_STREQ(getenv("HOME"), "");
+    unsetenv("HOME");
+    start_settle_home();
+    EXPECT_EQ(getenv("HOME"), nullptr);
 }
 
 TEST_F(StartTest, TheProgramsThatComeAlongAreLookedForLast)

@@ -95,6 +95,8 @@ test_relative_home() {
     local home=$HOME
     HOME=home tav_start "$work"
     tav_ready "$work"
+    keys F6
+    wait_for "Home shows it" active_is "$work/relative/home - TAV"
     tav_quit
     export HOME=$home
     expect 4668 "$(stat -c %s "$work/relative/home/.ph/tav/config.003")" "size of the settings"
