@@ -8,6 +8,7 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <QSplitter>
+#include <QStyle>
 #include <algorithm>
 
 namespace tav {
@@ -33,7 +34,17 @@ void x_store(const Applied &applied, int pixels, int32_t &word)
         word = lengths_from_pixels(pixels);
 }
 
-QSize x_screen() { return gBase->screen()->availableGeometry().size(); }
+// A size that the screen has room for. A window as large as the screen would have its lower edge
+// below it, by as much as its frame is high.
+QSize x_on_screen(const QSize &wanted)
+{
+    const QSize screen = gBase->screen()->availableGeometry().size();
+    const QStyle *style = gBase->style();
+    const int border = style->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth);
+    const int title = style->pixelMetric(QStyle::PM_TitleBarHeight);
+    return {wanted.width() > screen.width() ? screen.width() - 2 * border : wanted.width(),
+            wanted.height() > screen.height() ? screen.height() - title - border : wanted.height()};
+}
 
 } // namespace
 
@@ -41,7 +52,7 @@ void base_set_window_metrics(const Config &record)
 {
     const QSize wanted(lengths_to_pixels(std::min(x_low16(record.window_width), sMaxReference)),
                        lengths_to_pixels(std::min(x_low16(record.window_height), sMaxReference)));
-    gBase->resize(wanted.boundedTo(x_screen()).expandedTo(gBase->minimumSizeHint()));
+    gBase->resize(x_on_screen(wanted).expandedTo(gBase->minimumSizeHint()));
     sWidth.pixels = gBase->width();
     sHeight.pixels = gBase->height();
 

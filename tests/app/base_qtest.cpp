@@ -18,6 +18,7 @@
 #include <QApplication>
 #include <QScreen>
 #include <QSplitter>
+#include <QStyle>
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
@@ -154,8 +155,10 @@ private Q_SLOTS:
     {
         start();
         const QSize screen = gBase->screen()->availableSize();
-        QCOMPARE(gBase->width(), std::min(lengths_to_pixels(600), screen.width()));
-        QCOMPARE(gBase->height(), std::min(lengths_to_pixels(410), screen.height()));
+        const int frame = 2 * gBase->style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth);
+        const int width = lengths_to_pixels(600);
+        QCOMPARE(gBase->width(), width > screen.width() ? screen.width() - frame : width);
+        QCOMPARE(gBase->height(), lengths_to_pixels(410));
         QCOMPARE(w_find("hotlist_panel")->width(), lengths_to_pixels(190));
         QCOMPARE(fl_get_column_width(1), lengths_to_pixels(125));
         QCOMPARE(fl_get_column_width(6), lengths_to_pixels(75));
@@ -285,6 +288,24 @@ private Q_SLOTS:
         QVERIFY(fl_get_column_width(1) > 0);
         finish();
         QCOMPARE(std::memcmp(&record, &static_cast<const Config &>(saved()), sizeof record), 0);
+    }
+
+    void aWindowTooLargeForTheScreenLeavesRoomForItsFrame()
+    {
+        m_dir->dir(".ph/tav");
+        Config record = x_defaults();
+        record.window_width = record.window_height = 5000;
+        write(record);
+        start();
+        const QSize screen = gBase->screen()->availableSize();
+        const int title = gBase->style()->pixelMetric(QStyle::PM_TitleBarHeight);
+        QVERIFY(title > 0);
+        QVERIFY(gBase->height() <= screen.height() - title);
+        QVERIFY(gBase->height() > screen.height() / 2);
+        QVERIFY(gBase->width() < screen.width());
+        finish();
+        QCOMPARE(saved().window_width, 5000);
+        QCOMPARE(saved().window_height, 5000);
     }
 
     void theLowSixteenBitsOfTheMetricsCount()
