@@ -111,8 +111,10 @@ private:
     {
         QStyleOptionButton lifted = button;
         lifted.palette.setColor(QPalette::Window, button.palette.color(QPalette::WindowText));
-        lifted.palette.setColor(QPalette::Base,
-                                button.palette.color(QPalette::Base).lighter(LIFTED));
+        // A dimmed mark is hardly lighter than that: it needs the inside as dark as it is.
+        if (button.state & State_Enabled)
+            lifted.palette.setColor(QPalette::Base,
+                                    button.palette.color(QPalette::Base).lighter(LIFTED));
         QProxyStyle::drawPrimitive(element, &lifted, painter, widget);
     }
 

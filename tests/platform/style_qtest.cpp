@@ -82,6 +82,33 @@ private Q_SLOTS:
         QVERIFY2(x_contrast(radio) > 45, qPrintable(QString::number(x_contrast(radio))));
     }
 
+    // As the View menu shows what cannot be switched there.
+    void a_dimmed_box_tells_whether_it_is_checked_data() { a_box_to_check_stands_out_data(); }
+    void a_dimmed_box_tells_whether_it_is_checked()
+    {
+        QFETCH(QColor, window);
+        QFETCH(QColor, base);
+        QPalette palette(window);
+        palette.setColor(QPalette::Base, base);
+        for (const QPalette::ColorRole role : {QPalette::Text, QPalette::WindowText})
+            palette.setColor(QPalette::Disabled, role, QColor(0x70, 0x70, 0x70));
+        QApplication::setPalette(palette);
+        QMenu menu;
+        QAction *item = menu.addAction(QStringLiteral("one"));
+        item->setCheckable(true);
+        item->setEnabled(false);
+        const QImage without = menu.grab().toImage();
+        item->setChecked(true);
+        const QImage with = menu.grab().toImage();
+        QCOMPARE(with.size(), without.size());
+        int most = 0;
+        for (int y = 0; y < with.height(); y++)
+            for (int x = 0; x < with.width(); x++)
+                most = std::max(most, std::abs(with.pixelColor(x, y).lightness() -
+                                               without.pixelColor(x, y).lightness()));
+        QVERIFY2(most > 45, qPrintable(QString::number(most)));
+    }
+
     void a_menu_and_its_lines_stand_out_on_any_window_data() { a_box_to_check_stands_out_data(); }
     void a_menu_and_its_lines_stand_out_on_any_window()
     {
