@@ -18,7 +18,7 @@ HmHooks gHmHooks;
 int hm_setup(QMenu *menu)
 {
     const bool there = tree_lookup(gDir.path.c_str());
-    menu_item_enable(menu, "hm_add", !there);
+    menu_item_enable(menu, "hm_add", gDir.has_path && !there);
     menu_item_enable(menu, "hm_delete", there);
     return W_CONTINUE;
 }

@@ -66,7 +66,7 @@ bool can_go_home()
     return home && gDir.path != home;
 }
 
-bool can_add() { return !tree_lookup(gDir.path.c_str()); }
+bool can_add() { return gDir.has_path && !tree_lookup(gDir.path.c_str()); }
 
 bool any_selected() { return gDir.nselected > 0; }
 

@@ -246,7 +246,8 @@ int tree_add_cb(QWidget *)
     if (path.find('\n') != std::string::npos)
         wreport(gBase, "Error", "'%s' holds a line break and cannot be in the hotlist",
                 shown_text(path).toStdString().c_str());
-    tree_add(sTree, path.c_str());
+    if (!path.empty()) // as it is while no directory is shown
+        tree_add(sTree, path.c_str());
     tb_update();
     return W_CONTINUE;
 }

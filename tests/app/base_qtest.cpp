@@ -13,6 +13,7 @@
 #include "support/boxes.h"
 #include "views/fl.h"
 #include "views/fl_view.h"
+#include "views/tree.h"
 #include "views/vm.h"
 
 #include <QApplication>
@@ -124,8 +125,11 @@ private Q_SLOTS:
         QVERIFY(gBase->isVisible());
         QCOMPARE(gDir.count, 0);
         QCOMPARE(gBase->focusWidget(), w_find("filelist"));
-        for (const char *button : {"tb_back", "tb_forward", "tb_copy", "tb_delete"})
+        for (const char *button : {"tb_back", "tb_forward", "tb_copy", "tb_delete", "tb_add"})
             QVERIFY2(!w_find(button)->isEnabled(), button);
+        const std::vector<std::string> hotlist = gTree.paths;
+        tree_add_cb(nullptr);
+        QVERIFY(gTree.paths == hotlist);
         fl_refresh();
         QCOMPARE(gBase->windowTitle(), QStringLiteral("TAV"));
     }
