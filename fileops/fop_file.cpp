@@ -31,7 +31,7 @@ FopCopied x_ask_taken(FopItem &item, FopTarget &target)
     const bool known = gFopSys.fstatat(item.to_dir, item.to, &there, 0) == 0;
     if (known && fop_id(there) == fop_id(item.status))
         return fop_refuse_itself(item);
-    if (known || !fop_is_link(item.to_dir, item.to)) {
+    if (known || !fop_leads_nowhere(errno, item.to_dir, item.to)) {
         FopCopied answer = fop_ask_overwrite(item);
         if (answer != FOP_COPIED)
             return answer;

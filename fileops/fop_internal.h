@@ -72,8 +72,9 @@ constexpr char FOP_EXISTS_TEXT[] = "The '%s' file exists.\nWhat do you want to d
 // Takes an item off the list: later passes skip it.
 void fop_set_dead(FileOp *job, int group, int item);
 
-// Whether a name is sure to be that of a link.
-bool fop_is_link(int dir, const char *name);
+// Whether a name, at which looking failed with error, is sure to be that of a link that leads
+// nowhere.
+bool fop_leads_nowhere(int error, int dir, const char *name);
 
 // A selected name as it is looked up in its directory: never from the root.
 const char *fop_source_name(const char *name);

@@ -23,10 +23,12 @@ uint64_t fop_stamp(const struct stat &status)
     return stamp ? stamp : 1;
 }
 
-bool fop_is_link(int dir, const char *name)
+bool fop_leads_nowhere(int error, int dir, const char *name)
 {
     struct stat status;
-    return fop_retry([&] { return gFopSys.fstatat(dir, name, &status, AT_SYMLINK_NOFOLLOW); }) ==
+    const bool nowhere = error == ENOENT || error == ENOTDIR || error == ELOOP;
+    return nowhere &&
+           fop_retry([&] { return gFopSys.fstatat(dir, name, &status, AT_SYMLINK_NOFOLLOW); }) ==
                0 &&
            S_ISLNK(status.st_mode);
 }

@@ -45,7 +45,8 @@ Result x_over_existing(FileOp *job, const Item &item)
     struct stat dest;
     if (gFopSys.fstatat(item.to_dir, item.to, &dest, 0) == -1) {
         // A link that leads nowhere is no file that could be lost; what cannot be looked at may be.
-        return x_rename(item, fop_is_link(item.to_dir, item.to) ? 0 : RENAME_NOREPLACE);
+        return x_rename(item,
+                        fop_leads_nowhere(errno, item.to_dir, item.to) ? 0 : RENAME_NOREPLACE);
     }
     if (x_is_itself(item, dest)) {
         fop_errinfo(job, "File Scan", "%s", fop_into_itself(job));

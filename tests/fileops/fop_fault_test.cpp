@@ -3,6 +3,7 @@
 // descriptor stays open and no temporary file is left.
 #include "fop_driver.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -153,7 +154,7 @@ void x_run_all(const FaultRow &row, Fault fault)
     for (fault.n = 0; fault.n < calls && !testing::Test::HasFailure(); fault.n++) {
         SCOPED_TRACE(testing::Message() << "call " << fault.n << " " << std::strerror(fault.error)
                                         << ", answer " << fault.answer);
-        calls = x_run(dir, row, fault);
+        calls = std::max(calls, x_run(dir, row, fault)); // an early failure ends the job early
         if (testing::Test::HasFailure())
             ADD_FAILURE() << "it was " << (Faults::failed() ? Faults::failed() : "none");
         x_clear(dir);
@@ -179,6 +180,75 @@ TEST_P(FopFault, loses_nothing_when_everything_fails_from_there_on)
         }
     }
 }
+
+// Something of that kind is to go where somebody's file is, and the user never says that it may.
+struct TakenRow {
+    const char *name;
+    void (*make)(const JobDir &dir); // "src/x", and "dst/x" in its way
+    int believed = 0;                // an error that may be believed: that a link leads nowhere
+};
+
+void PrintTo(const TakenRow &row, std::ostream *out) { *out << row.name; }
+
+struct FopTaken : testing::TestWithParam<TakenRow> {};
+
+long x_run_taken(const JobDir &dir, const FaultRow &row, long n, int error)
+{
+    Driver driver;
+    if (row.across)
+        sys_two_file_systems();
+    Faults::install();
+    driver.on_alert = [](const FopAlert &) { return 1; }; // "&Skip", "&Continue"
+    driver.on_created = [&](FileOp &) { Faults::arm(n, error); };
+    const Tree before = dir.all();
+    driver.run(row.op, dir / "src", {"x"}, dir / "dst", FOP_LINKS);
+    EXPECT_EQ(dir.all(), before) << (Faults::failed() ? Faults::failed() : "none") << ", call " << n
+                                 << ", " << std::strerror(error);
+    return Faults::calls();
+}
+
+TEST_P(FopTaken, nothing_is_replaced_unasked_whatever_fails)
+{
+    for (const FaultRow &row :
+         {FaultRow{"copy", FOP_COPY, false}, FaultRow{"move", FOP_MOVE, false},
+          FaultRow{"move_across", FOP_MOVE, true}}) {
+        SCOPED_TRACE(row.name);
+        JobDir dir("/dev/shm");
+        dir.dir("src");
+        dir.dir("dst");
+        GetParam().make(dir);
+        for (int error : ERRORS) {
+            long calls = error == GetParam().believed ? 0 : 1;
+            for (long n = 0; n < calls && !HasFailure(); n++)
+                calls = std::max(calls, x_run_taken(dir, row, n, error));
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Jobs, FopTaken,
+                         testing::Values(TakenRow{"file",
+                                                  [](const JobDir &dir) {
+                                                      dir.file("src/x", "new");
+                                                      dir.file("dst/x", "old");
+                                                  }},
+                                         TakenRow{"link",
+                                                  [](const JobDir &dir) {
+                                                      dir.link("src/x", "somewhere");
+                                                      dir.file("dst/x", "old");
+                                                  }},
+                                         TakenRow{"fifo",
+                                                  [](const JobDir &dir) {
+                                                      dir.fifo("src/x");
+                                                      dir.file("dst/x", "old");
+                                                  }},
+                                         TakenRow{"file_onto_a_link",
+                                                  [](const JobDir &dir) {
+                                                      dir.file("src/x", "new");
+                                                      dir.file("other", "old");
+                                                      dir.link("dst/x", "../other");
+                                                  },
+                                                  ENOENT}),
+                         [](const auto &row) { return row.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(Jobs, FopFault,
                          testing::Values(FaultRow{"copy", FOP_COPY, false},
