@@ -27,6 +27,10 @@ namespace {
 // arrive.
 Qt::DropAction sAnswered = Qt::IgnoreAction;
 
+// Where it would have gone then. A row that has come under the pointer since, as the list was read
+// again or scrolled, is not what the user aimed at.
+std::string sAimedAt;
+
 bool x_same(const struct stat &a, const struct stat &b)
 {
     return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
@@ -127,6 +131,7 @@ bool dnd_accepts(QDropEvent &event, int index)
     // The toolkit tells what is held now, not when the pointer was there.
     const bool late = event.type() == QEvent::DragMove && event.buttons() == Qt::NoButton &&
                       event.possibleActions() & sAnswered;
+    sAimedAt = dnd_destination(index);
     if (!late)
         sAnswered = dnd_action(event.modifiers(), event.possibleActions());
     if (!dnd_is_files(event) || !gDir.has_path ||
@@ -148,7 +153,7 @@ void dnd_drop(QDropEvent &event, int index)
     const bool inside = std::any_of(
         files.lists.begin(), files.lists.end(),
         [&destination](const FileListRecord &list) { return dnd_is_inside(list, destination); });
-    if (files.lists.empty() || inside) {
+    if (files.lists.empty() || inside || destination != sAimedAt) {
         event.ignore();
         return;
     }

@@ -22,7 +22,7 @@ bool dnd_is_files(const QDropEvent &event);
 bool dnd_accepts(QDropEvent &event, int index);
 
 // It was dropped on the directory or ".." of that index, or (DIR_NONE) on the list itself: starts
-// the jobs.
+// the jobs, unless something else stands there than what dnd_accepts was asked about last.
 void dnd_drop(QDropEvent &event, int index);
 
 // Where a drop on that index goes; the shown directory for anything but a directory and "..".

@@ -288,6 +288,25 @@ private Q_SLOTS:
         Drag::leave(*m_window);
     }
 
+    void a_row_that_came_under_the_pointer_since_is_not_dropped_on()
+    {
+        m_dir->dir("here/sua");
+        fl_refresh();
+        Drag drag = x_own(path("other"), {"file"});
+        drag.enter(*m_window, at("sub"));
+        QVERIFY(drag.accepted);
+        const QPoint place = at("sub");
+        m_dir->remove("here/sua");
+        m_dir->dir("here/suc");
+        fl_refresh();
+        QCOMPARE(at("suc"), place);
+        drag.send<QDropEvent>(*m_window, place);
+        QVERIFY(!drag.accepted);
+        QVERIFY(gJobs.empty());
+        drag.drop(*m_window, place);
+        QCOMPARE(gJobs, std::vector{"move " + path("other") + ": file -> " + path("here/suc")});
+    }
+
     void list_takes_the_keyboard_and_knows_of_the_drag()
     {
         m_window->field->setFocus();
