@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <filesystem>
 #include <set>
 
@@ -17,7 +18,8 @@ constexpr int ERRORS[] = {EIO, EACCES, ENOSPC, EINTR, ENOENT, EMFILE};
 struct FaultRow {
     const char *name;
     int op;
-    bool across; // a move that has to copy
+    bool across;        // a move that has to copy
+    bool plain = false; // on a simple file system
 };
 
 void PrintTo(const FaultRow &row, std::ostream *out) { *out << row.name; }
@@ -192,11 +194,31 @@ void PrintTo(const TakenRow &row, std::ostream *out) { *out << row.name; }
 
 struct FopTaken : testing::TestWithParam<TakenRow> {};
 
+// A file system that has neither unnamed files nor a rename that replaces nothing.
+void x_make_plain()
+{
+    gFopSys.openat = [](int at, const char *path, int flags, mode_t mode) {
+        if ((flags & O_TMPFILE) != O_TMPFILE)
+            return gFopSysReal.openat(at, path, flags, mode);
+        errno = EOPNOTSUPP;
+        return -1;
+    };
+    gFopSys.renameat = [](int from_dir, const char *from, int to_dir, const char *to,
+                          unsigned flags) {
+        if (flags == 0)
+            return gFopSysReal.renameat(from_dir, from, to_dir, to, 0);
+        errno = EINVAL;
+        return -1;
+    };
+}
+
 long x_run_taken(const JobDir &dir, const FaultRow &row, long n, int error)
 {
     Driver driver;
     if (row.across)
         sys_two_file_systems();
+    else if (row.plain)
+        x_make_plain();
     Faults::install();
     driver.on_alert = [](const FopAlert &) { return 1; }; // "&Skip", "&Continue"
     driver.on_created = [&](FileOp &) { Faults::arm(n, error); };
@@ -211,14 +233,17 @@ TEST_P(FopTaken, nothing_is_replaced_unasked_whatever_fails)
 {
     for (const FaultRow &row :
          {FaultRow{"copy", FOP_COPY, false}, FaultRow{"move", FOP_MOVE, false},
-          FaultRow{"move_across", FOP_MOVE, true}}) {
+          FaultRow{"move_across", FOP_MOVE, true}, FaultRow{"plain_copy", FOP_COPY, false, true},
+          FaultRow{"plain_move", FOP_MOVE, false, true}}) {
         SCOPED_TRACE(row.name);
         JobDir dir("/dev/shm");
         dir.dir("src");
         dir.dir("dst");
         GetParam().make(dir);
         for (int error : ERRORS) {
-            long calls = error == GetParam().believed ? 0 : 1;
+            // That nothing is there has to be believed where a rename cannot tell.
+            bool believed = error == GetParam().believed || (row.plain && error == ENOENT);
+            long calls = believed ? 0 : 1;
             for (long n = 0; n < calls && !HasFailure(); n++)
                 calls = std::max(calls, x_run_taken(dir, row, n, error));
         }
