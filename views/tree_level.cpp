@@ -207,7 +207,10 @@ void tree_level_add_hotlist(TreeView *tree, const std::vector<std::string> &path
     std::vector<TreeProbe> questions;
     for (QTreeWidgetItem *item : items)
         questions.push_back(question_for(static_cast<TreeItem *>(item)));
-    tree_probe_ask(std::move(questions));
+    // The workers begin when the loop does: at the start the display server goes first.
+    QTimer::singleShot(0, tree, [questions = std::move(questions)]() mutable {
+        tree_probe_ask(std::move(questions));
+    });
 }
 
 TreeItem *x_add_item(TreeView *tree, TreeItem *parent, const std::string &name, bool sorted)
