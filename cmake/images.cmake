@@ -1,5 +1,5 @@
 # The images of resources/images/, drawn at the usual sizes, as one more resource of the program.
-# Not compressed: to unpack one costs more than to draw it.
+# Not compressed: they would be unpacked at each start.
 file(GLOB TAV_IMAGES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/resources/images/*.svg)
 set(TAV_DRAWN ${CMAKE_BINARY_DIR}/drawn)
 file(MAKE_DIRECTORY ${TAV_DRAWN})

@@ -364,10 +364,9 @@ TEST_F(NoSpace, abort_ends_the_job)
     EXPECT_TRUE(driver.finished_done);
 }
 
-TEST_F(FopCopy, a_name_too_long_is_asked_about_before_anything_is_copied)
+// The name "long" is too long for the destination.
+void x_refuse_long_name()
 {
-    dir.file("src/long", "content");
-    dir.dir("shown");
     gFopSys.fstatat = [](int at, const char *path, struct stat *status, int flags) {
         if (std::strcmp(path, "long") == 0 && flags == 0) {
             errno = ENAMETOOLONG;
@@ -375,6 +374,13 @@ TEST_F(FopCopy, a_name_too_long_is_asked_about_before_anything_is_copied)
         }
         return gFopSysReal.fstatat(at, path, status, flags);
     };
+}
+
+TEST_F(FopCopy, a_name_too_long_is_asked_about_before_anything_is_copied)
+{
+    dir.file("src/long", "content");
+    dir.dir("shown");
+    x_refuse_long_name();
     static bool sRead;
     sRead = false;
     gFopSys.read = [](int fd, void *bytes, size_t size) {
@@ -405,13 +411,7 @@ TEST_F(FopCopy, a_shorter_name_that_cannot_be_given_is_a_write_error)
 {
     dir.file("src/long", "content");
     dir.dir("shown");
-    gFopSys.fstatat = [](int at, const char *path, struct stat *status, int flags) {
-        if (std::strcmp(path, "long") == 0 && flags == 0) {
-            errno = ENAMETOOLONG;
-            return -1;
-        }
-        return gFopSysReal.fstatat(at, path, status, flags);
-    };
+    x_refuse_long_name();
     gFopSys.linkfd = [](int, int, const char *) {
         errno = EIO;
         return -1;

@@ -235,6 +235,17 @@ void sys_two_file_systems()
     };
 }
 
+void sys_replacing_renames()
+{
+    gFopSys.renameat = [](int from_dir, const char *from, int to_dir, const char *to,
+                          unsigned flags) {
+        if (flags == 0)
+            return gFopSysReal.renameat(from_dir, from, to_dir, to, 0);
+        errno = EINVAL;
+        return -1;
+    };
+}
+
 int open_descriptors()
 {
     int count = 0;

@@ -98,6 +98,9 @@ struct Attributes {
 // Renames between directories fail as between file systems.
 void sys_two_file_systems();
 
+// Renames cannot be asked not to replace what is there, as on simple file systems.
+void sys_replacing_renames();
+
 // Fails the call number n (from 0) of those that the job makes, with error; counts all calls.
 struct Faults {
     static void install();

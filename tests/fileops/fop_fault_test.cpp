@@ -203,13 +203,7 @@ void x_make_plain()
         errno = EOPNOTSUPP;
         return -1;
     };
-    gFopSys.renameat = [](int from_dir, const char *from, int to_dir, const char *to,
-                          unsigned flags) {
-        if (flags == 0)
-            return gFopSysReal.renameat(from_dir, from, to_dir, to, 0);
-        errno = EINVAL;
-        return -1;
-    };
+    sys_replacing_renames();
 }
 
 long x_run_taken(const JobDir &dir, const FaultRow &row, long n, int error)

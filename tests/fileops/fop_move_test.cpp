@@ -133,13 +133,7 @@ TEST_F(FopMove, where_it_cannot_be_asked_not_to_replace_a_name_must_be_known_to_
 {
     static int sError;
     dir.file("src/a", "new");
-    gFopSys.renameat = [](int from_dir, const char *from, int to_dir, const char *to,
-                          unsigned flags) {
-        if (flags == 0)
-            return gFopSysReal.renameat(from_dir, from, to_dir, to, 0);
-        errno = EINVAL;
-        return -1;
-    };
+    sys_replacing_renames();
     gFopSys.fstatat = [](int at, const char *path, struct stat *status, int flags) {
         if (std::strcmp(path, "a") != 0 || flags != 0 || sError == 0)
             return gFopSysReal.fstatat(at, path, status, flags);

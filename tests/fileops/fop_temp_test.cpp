@@ -55,13 +55,7 @@ TEST_F(FopTemp, a_hidden_name_that_is_taken_is_no_obstacle)
 // And no rename that replaces nothing.
 TEST_F(FopTemp, a_hidden_sibling_replaces_only_what_is_known_to_be_free)
 {
-    gFopSys.renameat = [](int from_dir, const char *from, int to_dir, const char *to,
-                          unsigned flags) {
-        if (flags == 0)
-            return gFopSysReal.renameat(from_dir, from, to_dir, to, 0);
-        errno = EINVAL;
-        return -1;
-    };
+    sys_replacing_renames();
     static int sError;
     static ino_t sDst;
     sDst = dir.status("dst").st_ino;
