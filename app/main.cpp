@@ -99,6 +99,7 @@ int main(int argc, char **argv)
     scheme_follow_desktop();
 
     init(argc, argv);
+    fonts_wait();
     base_create(options);
     QTimer::singleShot(sIconAfter, qApp, [] { QApplication::setWindowIcon(res_image("tav")); });
     if (!base_is_gone()) // a signal may have ended it below a box that stood before the loop

@@ -9,6 +9,7 @@
 #include <QStringList>
 #include <cstring>
 #include <fontconfig/fontconfig.h>
+#include <mutex>
 #include <pthread.h>
 #include <sched.h>
 
@@ -105,13 +106,19 @@ void fonts_to_name(const QFont &font, char *name, size_t size)
 void fonts_read_early()
 {
     // Only where nobody else wants the processor: the display server, which the toolkit waits for
-    // meanwhile, goes first. Not read in time, or at all, it is read when it is needed.
+    // meanwhile, goes first.
     const auto read = [] {
         const sched_param none = {};
         pthread_setschedparam(pthread_self(), SCHED_IDLE, &none);
-        FcInit();
+        fonts_wait();
     };
     worker_start(read, WORKER_STACK_LARGE);
+}
+
+void fonts_wait()
+{
+    static std::once_flag sRead;
+    std::call_once(sRead, FcInit);
 }
 
 } // namespace tav

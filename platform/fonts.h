@@ -16,4 +16,7 @@ void fonts_to_name(const QFont &font, char *name, size_t size);
 // first text is measured. To be called before the toolkit connects to the display, which waits.
 void fonts_read_early();
 
+// Returns when the list is read; reads it where nobody has begun. Two would read it twice.
+void fonts_wait();
+
 } // namespace tav

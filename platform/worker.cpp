@@ -6,6 +6,7 @@
 #include <csignal>
 #include <memory>
 #include <pthread.h>
+#include <sched.h>
 
 namespace tav {
 
@@ -25,11 +26,25 @@ void *x_run(void *argument)
     return nullptr;
 }
 
+// Moves a new thread to another processor, from where it may go anywhere again. Else it often waits
+// for its creator's, by up to a tick of the scheduler, while that one goes on and others are idle.
+void x_send_away(pthread_t thread)
+{
+    cpu_set_t all;
+    if (pthread_getaffinity_np(pthread_self(), sizeof all, &all) != 0)
+        return;
+    cpu_set_t others = all;
+    CPU_CLR(sched_getcpu(), &others);
+    if (CPU_COUNT(&others) == 0)
+        return;
+    pthread_setaffinity_np(thread, sizeof others, &others);
+    pthread_setaffinity_np(thread, sizeof all, &all);
+}
+
 int x_create(std::function<void()> *work, [[maybe_unused]] size_t stack)
 {
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
-    pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
 #ifndef TAV_SANITIZED // a sanitizer's frames are larger
     pthread_attr_setstacksize(&attributes, stack);
 #endif
@@ -40,6 +55,10 @@ int x_create(std::function<void()> *work, [[maybe_unused]] size_t stack)
     const int error = gWorkerCreate(&thread, &attributes, x_run, work);
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     pthread_attr_destroy(&attributes);
+    if (error == 0) {
+        x_send_away(thread);
+        pthread_detach(thread);
+    }
     return error;
 }
 

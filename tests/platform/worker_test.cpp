@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <pthread.h>
+#include <sched.h>
 #include <sys/resource.h>
 
 namespace tav {
@@ -52,6 +53,48 @@ TEST(Worker, SeesNoSignalAndItsStarterStillDoes)
         EXPECT_EQ(sigismember(&mask, signal), 1) << signal;
     for (int signal = 1; signal < SIGRTMIN; signal++)
         EXPECT_EQ(sigismember(&after, signal), sigismember(&before, signal)) << signal;
+}
+
+// The processors that the calling thread may run on.
+cpu_set_t x_processors()
+{
+    cpu_set_t set;
+    CPU_ZERO(&set);
+    pthread_getaffinity_np(pthread_self(), sizeof set, &set);
+    return set;
+}
+
+TEST(Worker, MayRunWhereverItsStarterMay)
+{
+    const cpu_set_t own = x_processors();
+    std::atomic<bool> same{false};
+    ASSERT_EQ(worker_start([&own, &same] {
+                  same = test_wait([&own] {
+                      const cpu_set_t set = x_processors();
+                      return CPU_EQUAL(&set, &own);
+                  });
+              }),
+              0);
+    EXPECT_TRUE(x_all_ended());
+    EXPECT_TRUE(same);
+}
+
+TEST(Worker, RunsWhereThereIsOneProcessorOnly)
+{
+    const cpu_set_t before = x_processors();
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    CPU_SET(sched_getcpu(), &one);
+    ASSERT_EQ(pthread_setaffinity_np(pthread_self(), sizeof one, &one), 0);
+    std::atomic<int> processors{0};
+    EXPECT_EQ(worker_start([&processors] {
+                  const cpu_set_t set = x_processors();
+                  processors = CPU_COUNT(&set);
+              }),
+              0);
+    EXPECT_TRUE(x_all_ended());
+    pthread_setaffinity_np(pthread_self(), sizeof before, &before);
+    EXPECT_EQ(processors, 1);
 }
 
 TEST(Worker, ThatCannotStartIsToldAndNotCounted)
