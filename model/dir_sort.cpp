@@ -3,9 +3,9 @@
 //
 // - By name: all-digit names are sorted by value, the others by bytes, and the two are merged by
 // bytes.
-// - By size, date, permissions, owner, group: a stable merge sort by a ready 32-bit key, which
-// bears
-//   differences that wrap; then each run of equal keys is sorted by name.
+// - By size, date, permissions, owner, group: a stable merge sort by a ready 32-bit key; then each
+//   run of equal keys is sorted by name. Keys so far apart that differences wrap contradict
+//   themselves too: they begin sorted by name, so that one order comes out of it.
 // - By link: links by target, all else by name, and the two are merged by name.
 // - By a comparison we do not know: the merge sort, asking it and then the names.
 //
@@ -23,6 +23,7 @@
 #include "model/dir_pace.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <new>
 #include <unordered_map>
@@ -88,6 +89,17 @@ Entries x_partition(Entries entries, size_t count, First first)
 bool x_name_less(const DirEntry *a, const DirEntry *b) { return dir_cmp_name(*a, *b) < 0; }
 bool x_link_less(const DirEntry *a, const DirEntry *b) { return dir_cmp_link(*a, *b) < 0; }
 
+bool x_differences_wrap(const std::vector<Keyed> &items)
+{
+    uint32_t low = UINT32_MAX;
+    uint32_t high = 0;
+    for (const Keyed &item : items) {
+        low = std::min(low, item.key);
+        high = std::max(high, item.key);
+    }
+    return low < high && high - low > INT32_MAX;
+}
+
 // By key, then the runs of equal keys by name.
 void x_sort_keyed(Entries entries, std::vector<Keyed> &items)
 {
@@ -106,13 +118,24 @@ void x_sort_keyed(Entries entries, std::vector<Keyed> &items)
 }
 
 template <typename Key>
-void x_sort_by(Entries entries, size_t count, Key key)
+std::vector<Keyed> x_keyed(Entries entries, size_t count, Key key)
 {
     std::vector<Keyed> items(count);
     for (size_t i = 0; i < count; i++) {
         dir_fetch(&entries[std::min(i + DIR_AHEAD, count - 1)]->stat);
         items[i] = {key(*entries[i]), entries[i]};
         dir_pace(1);
+    }
+    return items;
+}
+
+template <typename Key>
+void x_sort_by(Entries entries, size_t count, Key key)
+{
+    std::vector<Keyed> items = x_keyed(entries, count, key);
+    if (x_differences_wrap(items)) {
+        dir_order_names(entries, count);
+        items = x_keyed(entries, count, key);
     }
     x_sort_keyed(entries, items);
 }

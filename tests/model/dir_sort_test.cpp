@@ -264,6 +264,24 @@ TEST_F(DirSort, TheResultDependsOnTheEntriesAloneAndDescendingIsTheReverse)
     }
 }
 
+TEST_F(DirSort, SizesSoFarApartThatDifferencesWrapStillComeOutTheSame)
+{
+    // Each is below the next one, and the last one below the first.
+    const off_t sizes[] = {0, 0x60000000, 0xC0000000};
+    for (int i = 0; i < 60; i++)
+        m_list.add("f" + std::to_string(i)).stat.st_size = sizes[i % 3];
+    std::mt19937 random(11);
+    const std::string first = m_list.sorted(dir_cmp_size);
+    for (int round = 0; round < 20; round++) {
+        std::shuffle(m_list.listing.entries.begin(), m_list.listing.entries.end(), random);
+        EXPECT_EQ(m_list.sorted(dir_cmp_size), first);
+    }
+    const std::vector<DirEntry *> ascending = m_list.listing.entries;
+    dir_sort(m_list.listing, dir_cmp_size, 0);
+    dir_sort(m_list.listing, dir_cmp_size, 1);
+    EXPECT_EQ(m_list.listing.entries, ascending) << "turned round twice";
+}
+
 TEST_F(DirSort, NeighboursStandAsTheKeyAndThenTheNameSay)
 {
     std::mt19937 random(8);
