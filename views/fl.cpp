@@ -82,7 +82,6 @@ void x_read_and_show()
         fl_goto(cursor.c_str(), 0, FL_EXACT);
     else
         fl_goto_index(0);
-    fl_select_set_anchor(gDir.current);
     wblock(gBase, 0);
     x_status("");
 }

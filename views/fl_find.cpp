@@ -3,6 +3,7 @@
 #include "model/es.h"
 #include "views/fl.h"
 #include "views/fl_access.h"
+#include "views/fl_select.h"
 #include "views/fl_view.h"
 
 #include <cstring>
@@ -101,6 +102,7 @@ bool fl_set_current(int index)
 int fl_goto_index(int index)
 {
     const bool accepted = fl_set_current(index);
+    fl_select_set_anchor(gDir.current); // or Shift would extend from where the cursor was before
     FlView *view = fl_view();
     if (view && (index == DIR_PARENT || index == 0))
         view->set_top(0); // with entry 0 the ".." row above it comes into sight

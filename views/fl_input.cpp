@@ -57,21 +57,19 @@ void x_move(int row, const FlMoveMode &mode)
     if (rows == 0)
         return;
     const int index = fl_row_index(std::clamp(row, 0, rows - 1));
+    int anchor = index;
     fl_timer_disable();
     if (mode.extends) {
-        const int anchor = fl_select_anchor();
-        const int from = anchor != DIR_NONE ? anchor : gDir.current;
-        fl_select_set_anchor(from != DIR_NONE ? from : index);
-        fl_select_range_begin(fl_select_anchor(), mode.keeps, true);
+        const int from = fl_select_anchor() != DIR_NONE ? fl_select_anchor() : gDir.current;
+        anchor = from != DIR_NONE ? from : index;
+        fl_select_range_begin(anchor, mode.keeps, true);
         fl_select_range_to(index);
         fl_select_range_end();
     } else if (!mode.keeps) {
         fl_select_only(index);
-        fl_select_set_anchor(index);
-    } else {
-        fl_select_set_anchor(index);
     }
     fl_goto_index(index);
+    fl_select_set_anchor(anchor);
 }
 
 // The mode of a move with these modifiers; the last one asks for all of them.

@@ -115,6 +115,30 @@ private Q_SLOTS:
         QCOMPARE(selected(), std::string("0 1"));
     }
 
+    void shift_extends_from_an_entry_that_was_found_by_name()
+    {
+        show();
+        m_window->click(1);
+        fl_unselect_all(nullptr);
+        fl_select_index(fl_goto("f000005", 0, FL_EXACT));
+        m_window->key(Qt::Key_Down, Qt::ShiftModifier);
+        QCOMPARE(selected(), std::string("5 6"));
+        fl_goto("f000003", 0, FL_EXACT);
+        m_window->click(4, Qt::ShiftModifier);
+        QCOMPARE(selected(), std::string("3 4"));
+    }
+
+    void shift_extends_from_the_directory_just_left()
+    {
+        m_dir->dir("f000003/inside");
+        m_dir->file("f000002");
+        m_dir->file("f000004");
+        fl_setpath(m_dir->at("f000003").c_str());
+        fl_up();
+        m_window->key(Qt::Key_Down, Qt::ShiftModifier);
+        QCOMPARE(fl_test_selected(), std::string("f000003 f000004"));
+    }
+
     void ctrl_moves_without_selecting()
     {
         show();
