@@ -10,8 +10,8 @@ namespace tav {
 constexpr size_t WORKER_STACK_SIZE = 65536;        // our own work
 constexpr size_t WORKER_STACK_LARGE = 1024 * 1024; // a library's, whose need we do not know
 
-// Runs work on a detached thread that sees no signal, with a stack of that size. 0, or -1 with
-// errno when it cannot start.
+// Runs work on a detached thread that sees no signal, with a stack of that size; it begins at once
+// where another processor is idle. 0, or -1 with errno when it cannot start.
 int worker_start(std::function<void()> work, size_t stack = WORKER_STACK_SIZE);
 
 // What makes the thread; tests put one in its place that refuses.

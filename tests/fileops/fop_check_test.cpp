@@ -228,6 +228,7 @@ TEST_F(FopCheck, a_directory_is_recognised_behind_a_mount)
     auto before = dir.all("src");
     for (int op : {FOP_COPY, FOP_MOVE}) {
         EXPECT_TRUE(with_bound(dir, [&] {
+            driver.notices.clear();
             driver.run(op, dir / "src", {"a", "d"}, dir / "mnt");
             return notice() == (op == FOP_MOVE ? "File Scan: Can't move file(s) into itself."
                                                : "File Scan: Can't copy file(s) into itself.") &&
