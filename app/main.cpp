@@ -64,13 +64,17 @@ bool x_answer(const Options &options, const char *program)
     return options.help || options.version;
 }
 
+// The display asked for, or none: where both kinds of display are there, the toolkit would take the
+// session's own.
 void x_connect_display(const Options &options)
 {
-    std::string variable, value;
-    if (options_display(options.server, variable, value))
-        setenv(variable.c_str(), value.c_str(), 1);
-    else if (!options.server.empty())
+    const OptionsDisplay display = options_display(options.server);
+    if (display.variable != nullptr) {
+        setenv(display.variable, display.value.c_str(), 1);
+        setenv("QT_QPA_PLATFORM", display.platform, 0);
+    } else if (!options.server.empty()) {
         std::fprintf(stderr, "tav: no such display: %s\n", options.server.c_str());
+    }
 }
 
 } // namespace

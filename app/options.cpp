@@ -117,21 +117,16 @@ std::string options_usage(const char *program)
     return text;
 }
 
-bool options_display(const std::string &server, std::string &variable, std::string &value)
+OptionsDisplay options_display(const std::string &server)
 {
     const bool digits = server.find_first_not_of("0123456789") == std::string::npos;
     if (server.empty() || server.find('/') != std::string::npos)
-        return false;
-    if (server.rfind("wayland", 0) == 0) {
-        variable = "WAYLAND_DISPLAY";
-        value = server;
-        return true;
-    }
+        return {nullptr, {}, nullptr};
+    if (server.rfind("wayland", 0) == 0)
+        return {"WAYLAND_DISPLAY", server, "wayland"};
     if (!digits && server.find(':') == std::string::npos)
-        return false;
-    variable = "DISPLAY";
-    value = digits ? ":" + server : server;
-    return true;
+        return {nullptr, {}, nullptr};
+    return {"DISPLAY", digits ? ":" + server : server, "xcb"};
 }
 
 } // namespace tav

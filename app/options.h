@@ -26,8 +26,12 @@ Options options_parse(int argc, const char *const *argv);
 // The usage text for a program of that name.
 std::string options_usage(const char *program);
 
-// The name of the environment variable and its value that connect to options.server ("DISPLAY",
-// ":4"). False when the text names no display.
-bool options_display(const std::string &server, std::string &variable, std::string &value);
+// How to connect to Options::server.
+struct OptionsDisplay {
+    const char *variable; // of the environment: "DISPLAY", "WAYLAND_DISPLAY"; null: to none
+    std::string value;    // ":4"
+    const char *platform; // the toolkit's name for what is there: "xcb", "wayland"
+};
+OptionsDisplay options_display(const std::string &server);
 
 } // namespace tav

@@ -247,15 +247,18 @@ tav -x10 -y10 -h200 -w300
 
 TEST(OptionsTest, AServerIsADisplay)
 {
-    std::string variable, value;
-    ASSERT_TRUE(options_display("4", variable, value));
-    EXPECT_EQ(variable + "=" + value, "DISPLAY=:4");
-    ASSERT_TRUE(options_display("host:1.0", variable, value));
-    EXPECT_EQ(variable + "=" + value, "DISPLAY=host:1.0");
-    ASSERT_TRUE(options_display("wayland-1", variable, value));
-    EXPECT_EQ(variable + "=" + value, "WAYLAND_DISPLAY=wayland-1");
-    EXPECT_FALSE(options_display("//4/dev/photon", variable, value));
-    EXPECT_FALSE(options_display("", variable, value));
+    const auto display = [](const char *server) {
+        const OptionsDisplay found = options_display(server);
+        if (found.variable == nullptr)
+            return std::string("none");
+        return std::string(found.variable) + "=" + found.value + " " + found.platform;
+    };
+    EXPECT_EQ(display("4"), "DISPLAY=:4 xcb");
+    EXPECT_EQ(display("host:1.0"), "DISPLAY=host:1.0 xcb");
+    EXPECT_EQ(display("wayland-1"), "WAYLAND_DISPLAY=wayland-1 wayland");
+    EXPECT_EQ(display("//4/dev/photon"), "none");
+    EXPECT_EQ(display("x"), "none");
+    EXPECT_EQ(display(""), "none");
 }
 
 } // namespace

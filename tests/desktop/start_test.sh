@@ -103,6 +103,19 @@ test_server_option() {
     tav_quit
 }
 
+# One that is not there gives no window on another display that is.
+test_server_that_is_not_there() {
+    local server
+    tav_as=(env -u QT_QPA_PLATFORM)
+    for server in :4321 wayland-nowhere; do
+        tav_start "-s$server" /tmp
+        tav_status
+        expect 1 "$tav_exit" "exit status with -s$server"
+        grep -q '^tav: ' "$work/tav.$tav_count.err" || fail "no word about -s$server"
+    done
+    tav_as=()
+}
+
 test_two_at_once() {
     local first
     mkdir -p "$work/one" "$work/two"
@@ -123,5 +136,6 @@ test_directories
 test_window_options
 test_states
 test_server_option
+test_server_that_is_not_there
 test_two_at_once
 test_no_display
