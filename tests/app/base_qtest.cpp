@@ -17,6 +17,8 @@
 #include "views/vm.h"
 
 #include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
 #include <QScreen>
 #include <QSplitter>
 #include <QStyle>
@@ -26,6 +28,7 @@
 #include <csignal>
 #include <cstring>
 #include <fstream>
+#include <functional>
 #include <sys/inotify.h>
 #include <testdir.h>
 #include <unistd.h>
@@ -77,6 +80,25 @@ class BaseTest : public QObject {
         config_set_defaults(record);
         record.flags |= CONFIG_MARKER;
         return record;
+    }
+    // The names of what happens in a directory while something runs, in their order.
+    static QString watched(const std::string &directory, uint32_t what,
+                           const std::function<void()> &run)
+    {
+        const int watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+        inotify_add_watch(watch, directory.c_str(), what);
+        run();
+        alignas(inotify_event) char events[4096];
+        const ssize_t size = read(watch, events, sizeof events);
+        ::close(watch);
+        QStringList names;
+        for (ssize_t at = 0; at < size;) {
+            const auto *event = reinterpret_cast<const inotify_event *>(events + at);
+            if (event->len > 0) // none for the directory itself
+                names << QString::fromLatin1(event->name);
+            at += static_cast<ssize_t>(sizeof *event + event->len);
+        }
+        return names.join(QLatin1Char(' '));
     }
 
 private Q_SLOTS:
@@ -141,6 +163,40 @@ private Q_SLOTS:
                  QString::fromStdString(m_dir->path() + "/shown"));
         QCOMPARE(gDir.count, 1);
         QTRY_COMPARE(QApplication::focusWidget(), static_cast<QWidget *>(fl_view()));
+        QCOMPARE(w_find("fh_filename")->property("sort_image").toString(),
+                 QStringLiteral("image_sort_up"));
+    }
+
+    void startingReadsTheFilesInTheirOrder()
+    {
+        m_dir->dir(".ph/tav");
+        write(x_defaults());
+        for (const char *name : {"goto.001", "fspec.001", "with.001", "copy.001", "pattern.001",
+                                 "associate.003", "hotlist.001"})
+            m_dir->text(std::string(".ph/tav/") + name, "");
+        QCOMPARE(watched(m_config, IN_OPEN, [this] { start(); }),
+                 QStringLiteral("config.003 goto.001 fspec.001 with.001 copy.001 pattern.001 "
+                                "associate.003 hotlist.001"));
+    }
+
+    void aFirstStartShowsTheStarAndALaterOneFiltersByTheLatest()
+    {
+        start();
+        QCOMPARE(w_find<QComboBox>("tb_filespec")->currentText(), QStringLiteral("*"));
+        QCOMPARE(gDir.count, 1);
+        finish();
+        m_dir->file("shown/b.c");
+        m_dir->text(".ph/tav/fspec.001", "*.c\n*\n");
+        m_dir->text(".ph/tav/goto.001", "/usr\n/etc\n");
+        start();
+        QCOMPARE(w_find<QComboBox>("tb_filespec")->currentText(), QStringLiteral("*.c"));
+        QCOMPARE(w_find<QComboBox>("tb_filespec")->currentIndex(), 0);
+        QCOMPARE(gDir.count, 1);
+        QCOMPARE(gDir.entries[0]->name, std::string_view("b.c"));
+        const auto *path = w_find<QComboBox>("tb_curpath");
+        QCOMPARE(path->count(), 2);
+        QCOMPARE(path->itemText(0), QStringLiteral("/usr"));
+        QCOMPARE(path->currentText().toStdString(), gDir.path);
     }
 
     void theListIsLinkedOnceToItsKeysAndNothingIsBound()
@@ -371,6 +427,8 @@ private Q_SLOTS:
         QCOMPARE(ended, 0);
         QVERIFY(base_is_gone());
         QVERIFY(base_window_closed);
+        for (const ClHistory *history : {gPathList, gSpecList, gWithList, gCopyList, gPatternList})
+            QVERIFY(history == nullptr);
         QVERIFY(std::ifstream(m_config + "/config.003").good());
         std::remove((m_config + "/config.003").c_str());
         base_leave();
@@ -380,19 +438,7 @@ private Q_SLOTS:
     void leavingWritesTheFilesInTheirOrder()
     {
         start();
-        const int watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-        QVERIFY(inotify_add_watch(watch, m_config.c_str(), IN_MOVED_TO) >= 0);
-        finish();
-        alignas(inotify_event) char events[4096];
-        const ssize_t size = read(watch, events, sizeof events);
-        ::close(watch);
-        QStringList written;
-        for (ssize_t at = 0; at < size;) {
-            const auto *event = reinterpret_cast<const inotify_event *>(events + at);
-            written << QString::fromLatin1(event->name);
-            at += static_cast<ssize_t>(sizeof *event + event->len);
-        }
-        QCOMPARE(written.join(QLatin1Char(' ')),
+        QCOMPARE(watched(m_config, IN_MOVED_TO, [this] { finish(); }),
                  QStringLiteral("config.003 goto.001 fspec.001 pattern.001 hotlist.001"));
     }
 
@@ -437,6 +483,29 @@ private Q_SLOTS:
         QTRY_COMPARE(gDir.count, 2);
         QCoreApplication::processEvents();
         QCOMPARE(QApplication::activeWindow(), &other);
+    }
+
+    void aRefreshSignalLeavesATextFieldToWhoeverTypesInIt_data()
+    {
+        QTest::addColumn<QString>("field");
+        QTest::newRow("path") << QStringLiteral("tb_curpath");
+        QTest::newRow("filter") << QStringLiteral("tb_filespec");
+    }
+    void aRefreshSignalLeavesATextFieldToWhoeverTypesInIt()
+    {
+        QFETCH(QString, field);
+        start();
+        auto *box = gBase->findChild<QComboBox *>(field);
+        box->setFocus();
+        box->lineEdit()->selectAll();
+        QTest::keyClicks(box->lineEdit(), QStringLiteral("/half"));
+        m_dir->file("shown/late.txt");
+        std::raise(SIGWINCH);
+        QTRY_COMPARE(gDir.count, 2);
+        QVERIFY(box->lineEdit()->hasFocus());
+        QVERIFY(box->currentText().startsWith(QStringLiteral("/half")));
+        fl_refresh();
+        QCOMPARE(gBase->focusWidget(), static_cast<QWidget *>(fl_view()));
     }
 
     void aRefreshSignalAfterTheWindowHasClosedDoesNothing()

@@ -11,6 +11,8 @@ using namespace tav;
 
 namespace {
 
+const uint32_t sOptionsAtStart = gOptions;
+
 class ConfigFile : public testing::Test {
 protected:
     void SetUp() override { gOptions = 0xFFFFFBFF; }
@@ -59,6 +61,8 @@ TEST_F(ConfigFile, ThereIsARecordBeforeAnyIsRead)
     ASSERT_NE(gConfig, nullptr);
     expect_defaults(*gConfig);
 }
+
+TEST_F(ConfigFile, TheOptionsBeginWithEveryBitButOne) { EXPECT_EQ(sOptionsAtStart, 0xFFFFFBFF); }
 
 TEST_F(ConfigFile, NoFileGivesTheDefaults) { expect_defaults(*read()); }
 

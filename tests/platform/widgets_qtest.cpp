@@ -236,6 +236,8 @@ private Q_SLOTS:
         QCOMPARE(label.text().size(), 255);
         QCOMPARE(wprintf(&label, "%s\xE2\x82\xAC", std::string(253, 'a').c_str()), 253);
         QCOMPARE(label.text().size(), 253);
+        QCOMPARE(wprintf(&label, "%s\xF0\x9F\x98\x80", std::string(252, 'a').c_str()), 252);
+        QCOMPARE(label.text().size(), 252);
         QCOMPARE(wprintf(&label, "%s", std::string(300, '\x80').c_str()), 255);
         QCOMPARE(wprintf(&label, "%.*s|%*d", 2, "abc", 4, 7), 7);
         QCOMPARE(label.text(), QStringLiteral("ab|   7"));
