@@ -56,6 +56,7 @@ void x_add_key(const MenuRow &row, QWidget *window)
             continue;
         auto *shortcut = new QShortcut(sequence, window);
         shortcut->setObjectName(QLatin1String("key_") + QLatin1String(row.name));
+        shortcut->setAutoRepeat(false); // a held F5 would read, a held Ctrl-V paste, time and again
         QObject::connect(shortcut, &QShortcut::activated, window,
                          [handler = row.handler, window] { handler(window); });
     }

@@ -146,6 +146,17 @@ private Q_SLOTS:
         QCOMPARE(sOther, 2);
     }
 
+    void aHeldKeyCallsItsHandlerOnce()
+    {
+        QTest::keyPress(m_window, Qt::Key_N, Qt::ControlModifier);
+        for (int i = 0; i < 3; ++i)
+            QTest::simulateEvent(m_window, true, Qt::Key_N, Qt::ControlModifier, QString(), true);
+        QTest::keyRelease(m_window, Qt::Key_N, Qt::ControlModifier);
+        QCOMPARE(sNew, 1);
+        QTest::keyClick(m_window, Qt::Key_N, Qt::ControlModifier);
+        QCOMPARE(sNew, 2);
+    }
+
     void aTextFieldKeepsPlainCharacters()
     {
         m_field->setFocus();
