@@ -233,6 +233,19 @@ private Q_SLOTS:
         QVERIFY(!enter.isAccepted());
     }
 
+    void the_closing_of_a_window_waits()
+    {
+        QVERIFY(ui_slice_begin());
+        QCloseEvent close;
+        QSpontaneKeyEvent::setSpontaneous(&close); // as the window's frame asks for it
+        qApp->notify(window_.get(), &close);
+        x_slice();
+        QVERIFY(!close.isAccepted());
+        QCOMPARE(window_->closes, 0);
+        ui_slice_end();
+        QTRY_COMPARE(window_->closes, 1);
+    }
+
     void timers_and_painting_go_on()
     {
         bool fired = false;
