@@ -96,6 +96,10 @@ int x_route(int signal, const std::function<void(int)> &handler)
     sHandlers[signal] = handler;
     if (sigaction(signal, &action, nullptr) != 0)
         return -1;
+    sigset_t one; // whoever started us may have left it blocked
+    sigemptyset(&one);
+    sigaddset(&one, signal);
+    pthread_sigmask(SIG_UNBLOCK, &one, nullptr);
     return 0;
 }
 

@@ -12,9 +12,9 @@
 
 namespace tav {
 
-// Routes the signals to handler, on the main thread; a later handler of the same signal replaces
-// it. 0, or -1 with errno when one of them cannot be caught or must be left alone (faults, job
-// control, SIGCHLD); none is routed then.
+// Routes the signals to handler, on the main thread, also those that were blocked when the program
+// was started; a later handler of the same signal replaces it. 0, or -1 with errno when one of them
+// cannot be caught or must be left alone (faults, job control, SIGCHLD); none is routed then.
 int signals_add(std::initializer_list<int> set, const std::function<void(int signal)> &handler);
 
 // Ignores a signal from now on (SIGPIPE: a write to a closed pipe then fails instead of ending us).

@@ -40,6 +40,17 @@ private Q_SLOTS:
         QCOMPARE(last_, SIGTERM);
     }
 
+    void a_signal_that_was_blocked_at_the_start_arrives()
+    {
+        sigset_t one;
+        sigemptyset(&one);
+        sigaddset(&one, SIGUSR1);
+        QCOMPARE(pthread_sigmask(SIG_BLOCK, &one, nullptr), 0);
+        QCOMPARE(signals_add({SIGUSR1}, [this](int) { calls_++; }), 0);
+        raise(SIGUSR1); // for this thread: another has not blocked it
+        QTRY_COMPARE(calls_, 1);
+    }
+
     void a_signal_waits_while_the_gate_is_held_and_counts_once()
     {
         ui_gate_hold();
