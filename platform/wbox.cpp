@@ -111,7 +111,8 @@ private:
         deleteLater();
         const QWidget *active = QApplication::activeWindow();
         QWidget *back = before_ && before_->isVisible() ? before_ : blocked_;
-        if (back && (!active || active == this))
+        // Also when it has the keyboard still: the box may have been answered before it got it.
+        if (back && (!active || active == this || active == back))
             back->activateWindow();
         answer(choice);
     }
