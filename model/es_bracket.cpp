@@ -67,6 +67,13 @@ bool x_in_range(Char low, Char high, Char c)
     return fnmatch(pattern.c_str(), text.c_str(), 0) == 0;
 }
 
+// Whether the C library knows where c stands among others.
+template <typename Char>
+bool x_has_order(Char c)
+{
+    return c < 0x80 || x_in_range(c, c, c);
+}
+
 // How "[:" goes on; p stands at the ":". Puts the place behind ":]" in *end and the name in *name.
 enum class Class { named, too_long, plain };
 template <typename Char>
@@ -99,6 +106,8 @@ Read x_plain(const Char **p, Char low, bool may_be_range, Char c)
         return Read::on;
     Char high = *++*p;
     ++*p;
+    if (high && !x_has_order(c))
+        return Read::on; // as the library, which does not look then at what the end may mean
     if (high == '[' && **p == '.') {
         const Char *symbol = *p + 1;
         if (!*symbol || symbol[1] != '.' || symbol[2] != ']')

@@ -123,6 +123,16 @@ TEST(EsPattern, AnswersAsFnmatchForBytesThatAreNoText)
     compare_with_fnmatch("C", parts, names, 4);
 }
 
+TEST(EsPattern, AnswersAsFnmatchWhereARangeEndsOddlyForCharactersWithoutOrder)
+{
+    Ctype ctype("C.UTF-8");
+    for (const char *pattern :
+         {"[a-\\\xc8\x96]", "[a-\\z]", "[a-[.z.]", "[a-[.z\xc8\x96.]", "[!a-[.z\xc8\x96.]"})
+        for (const char *name : {"\xc8\x96", "\xc3\xa9", "b", "z", "[", "."})
+            EXPECT_EQ(es_strcmp(name, pattern) == 0, fnmatch(pattern, name, 0) == 0)
+                << "name '" << name << "' pattern '" << pattern << "'";
+}
+
 TEST(EsPattern, AMillionStarsAreAnsweredAtOnce)
 {
     std::string stars(1000000, '*');
